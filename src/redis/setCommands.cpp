@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+//
+// Set commands. The order of members is Redis's own.
+#include <cstdio>
+#include <cstring>
+
+#include "redis/command.h"
+#include "support/text.h"
+
+#include <zephlaneAPI/commands.h>
+
+using zephlane::ArgumentVector;
+using zephlane::Command;
+using zephlane::kDone;
+using zephlane::kFailed;
+using zephlane::kNoCount;
+using zephlane::Reply;
+
+namespace {
+
+int IntegerOrNoCount(const Reply& reply) {
+  return reply.Is(REDIS_REPLY_INTEGER) ? static_cast<int>(reply.Integer()) : kNoCount;
+}
+
+// Judges an SADD. A number short of the count means that some were members already: then each is
+// asked for. `member_at` yields the i-th given member.
+template <typename MemberAt>
+int JudgeAdded(redisContext* ctx, const char* key, const Reply& reply, unsigned int count,
+               MemberAt member_at) {
+  if (!reply.Is(REDIS_REPLY_INTEGER)) { return kFailed; }
+  if (reply.Integer() == static_cast<long long>(count)) { return kDone; }
+  for (unsigned int i = 0; i < count; ++i) {
+    if (sismember(ctx, key, member_at(i)) != 1) { return kFailed; }
+  }
+  return kDone;
+}
+
+// Sends a command word and a text whose blanks separate further words.
+Reply CommandOfWordAndText(redisContext* ctx, const char* word, const char* text) {
+  const std::size_t size = std::strlen(word) + 1 + std::strlen(text) + 1;
+  const zephlane::CString command(static_cast<char*>(std::malloc(size)));
+  if (!command) { return Reply(nullptr); }
+  (void)std::snprintf(command.get(), size, "%s %s", word, text);
+  return zephlane::CommandOfText(ctx, command.get());
+}
+
+}  // namespace
+
+int redisSetCardinality(redisContext* ctx, const char* aSetKey) {
+  if (!ctx || !aSetKey) { return kNoCount; }
+  const int count = IntegerOrNoCount(Command(ctx, "%s %s", "SCARD", aSetKey));
+  // An empty or missing set is reported exactly like a failure.
+  return count == 0 ? kNoCount : count;
+}
+
+int getInstanceCount(redisContext* ctx, const char* aSetKey, unsigned int* nOutCount) {
+  if (!ctx || !aSetKey) { return kFailed; }
+  const Reply reply = Command(ctx, "SMEMBERS %s", aSetKey);
+  if (!reply.Is(REDIS_REPLY_ARRAY)) { return kFailed; }
+  if (nOutCount) { *nOutCount = static_cast<unsigned int>(reply.ElementCount()); }
+  return kDone;
+}
+
+int getInstance(redisContext* ctx, const char* aSetKey, unsigned int nCount, SetData* aOut) {
+  if (!ctx || !aSetKey || nCount == 0 || !aOut) { return kFailed; }
+  const Reply reply = Command(ctx, "SMEMBERS %s", aSetKey);
+  if (!reply || reply.ElementCount() != nCount) { return kFailed; }
+  for (unsigned int i = 0; i < nCount; ++i) {
+    // No terminator: callers zero-fill the slots.
+    zephlane::CopyCounted(aOut[i].aObjectID,
+                          reply.ElementText(i).substr(0, zephlane::kValueSize - 1));
+  }
+  return kDone;
+}
+
+int deleteInstanceInSet(redisContext* ctx, const char* aSetKey, const char* aMember) {
+  if (!ctx || !aSetKey || !aMember) { return kFailed; }
+  return Command(ctx, "SREM %s %s", aSetKey, aMember).IsInteger(1) ? kDone : kFailed;
+}
+
+int sismember(redisContext* ctx, const char* aSetKey, const char* aMember) {
+  if (!ctx || !aSetKey || !aMember) { return kNoCount; }
+  return IntegerOrNoCount(Command(ctx, "SISMEMBER %s %s", aSetKey, aMember));
+}
+
+int sdiffKey(redisContext* ctx, const char* aSetKey) {
+  if (!ctx || !aSetKey) { return kNoCount; }
+  // The difference of a single set is the set itself.
+  const Reply reply = CommandOfWordAndText(ctx, "sdiff", aSetKey);
+  if (!reply.Is(REDIS_REPLY_ARRAY)) { return kNoCount; }
+  return reply.ElementCount() > 0 ? 1 : 0;
+}
+
+int saddCmd(redisContext* ctx, const char* aText) {
+  if (!ctx || !aText) { return kFailed; }
+  const Reply reply = CommandOfWordAndText(ctx, "SADD", aText);
+  return reply.Is(REDIS_REPLY_INTEGER) ? kDone : kFailed;
+}
+
+int redisSetMultipleAdd(redisContext* ctx, const char* aSetKey, char* const* aMembers,
+                        unsigned int nCount) {
+  if (!ctx || !aSetKey || !aMembers || nCount == 0 || !aMembers[0]) { return kFailed; }
+  ArgumentVector arguments(2, 1, nCount);
+  arguments.Add("SADD");
+  arguments.Add(aSetKey);
+  for (unsigned int i = 0; i < nCount; ++i) { arguments.Add(aMembers[i]); }
+  const Reply reply = std::move(arguments).Send(ctx);
+  return JudgeAdded(ctx, aSetKey, reply, nCount, [&](unsigned int i) { return aMembers[i]; });
+}
+
+int createSetTable(redisContext* ctx, const char* aSetKey, const SetData* aMembers,
+                   unsigned int nCount) {
+  if (!ctx || !aSetKey || !aMembers) { return kFailed; }
+  ArgumentVector arguments(2, 1, nCount);
+  arguments.Add("SADD");
+  arguments.Add(aSetKey);
+  for (unsigned int i = 0; i < nCount; ++i) {
+    if (aMembers[i].aObjectID[0] != '\0') { arguments.Add(aMembers[i].aObjectID); }
+  }
+  const Reply reply = std::move(arguments).Send(ctx);
+  // Empty slots are not sent but asked for all the same, so an empty slot makes the call fail.
+  return JudgeAdded(ctx, aSetKey, reply, nCount,
+                    [&](unsigned int i) { return aMembers[i].aObjectID; });
+}

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+//
+// Bounded copies and tokens; the contracts are in the header.
+#include "support/text.h"
+
+#include <algorithm>
+
+namespace zephlane {
+
+void CopyCut(std::span<char> out, std::string_view text) noexcept {
+  if (out.empty()) { return; }
+  const std::size_t length = std::min(text.size(), out.size() - 1);
+  if (length > 0) { std::memcpy(out.data(), text.data(), length); }
+  out[length] = '\0';
+}
+
+void CopyCounted(char* out, std::string_view text) noexcept {
+  if (!text.empty()) { std::memcpy(out, text.data(), text.size()); }
+}
+
+bool CopyWhole(std::span<char> out, std::string_view text) noexcept {
+  if (text.size() >= out.size()) { return false; }
+  std::fill(std::copy(text.begin(), text.end(), out.begin()), out.end(), '\0');
+  return true;
+}
+
+std::string_view BoundedText(std::span<const char> buffer) noexcept {
+  return {buffer.data(), strnlen(buffer.data(), buffer.size())};
+}
+
+std::string_view Tokenizer::Next(std::string_view delimiters) noexcept {
+  const std::size_t begin = rest_.find_first_not_of(delimiters);
+  if (begin == std::string_view::npos) {
+    rest_ = {};
+    return {};
+  }
+  rest_.remove_prefix(begin);
+  const std::size_t end = std::min(rest_.find_first_of(delimiters), rest_.size());
+  const std::string_view token = rest_.substr(0, end);
+  rest_.remove_prefix(std::min(end + 1, rest_.size()));
+  return token;
+}
+
+}  // namespace zephlane
