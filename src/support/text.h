@@ -34,6 +34,11 @@ void CopyCounted(char* out, std::string_view text) noexcept;
   return text.find(part) != std::string_view::npos;
 }
 
+// What a report shows for a text that may be missing.
+[[nodiscard]] inline const char* Shown(const char* text) noexcept {
+  return text != nullptr ? text : "(null)";
+}
+
 // Takes tokens off the front of a text as strtok() does, without writing to it: leading delimiters
 // are skipped, the delimiter that ends a token is consumed, and each call may name other ones.
 class Tokenizer {

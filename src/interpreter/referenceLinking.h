@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+//
+// The steps of linking one reference, for the module and its tests.
+#pragma once
+
+#include <memory>
+
+#include <zephlaneAPI/interpreter.h>
+
+#include "support/owners.h"
+
+namespace zephlane {
+
+struct SchemaReference;
+
+// Where a placeholder stands.
+struct PlaceholderLocation {
+  char fieldName[200];  // empty: the destination is a set
+  char destinationID[ZEPHLANE_ID_SIZE];
+  char referenceText[200];
+};
+
+// What a property path leads to.
+struct Replacement {
+  char lastToken[200];
+  char hashID[ZEPHLANE_ID_SIZE];  // the hash that holds it
+  char value[200];
+};
+
+// Null on failure, after the report.
+[[nodiscard]] CRecord<PlaceholderLocation> getPropLocationReplaceData(
+    redisContext* ctx, const SchemaReference* reference);
+[[nodiscard]] CRecord<Replacement> getReferencePathReplaceData(redisContext* ctx,
+                                                               const ResourcePath* resource_path);
+// 0 or -1.
+int referenceValueReplacement(redisContext* ctx, const Replacement* replacement,
+                              const PlaceholderLocation* destination);
+
+// How many references this run has recorded so far; may be asked by any thread.
+[[nodiscard]] unsigned int RecordedReferenceCount() noexcept;
+
+}  // namespace zephlane

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+//
+// What the parsers share of the driver's module beyond its published functions.
+#pragma once
+
+#include "support/owners.h"
+
+#include <zephlaneAPI/interpreter.h>
+
+namespace zephlane {
+
+// The route to the node in hand as parserRouteConcatRoute() writes it, however long it is. Null,
+// after a report, when memory is out.
+[[nodiscard]] CString RouteText(const ParseContext& context);
+
+// Whether so little of the thread's stack is left that a parser must not descend further. Says so
+// in a report of `source`.
+[[nodiscard]] bool StackIsUsedUp(const char* source);
+
+}  // namespace zephlane
