@@ -223,6 +223,11 @@ int extractPropertyPath(const char* input, char* out) {
   return 0;
 }
 
+bool IsPointerPath(const ResourcePath& path) noexcept {
+  const char* pointer = path.propertyPath;
+  return pointer[0] == '#' && std::strrchr(pointer, '#') == pointer && Contains(pointer, "#/");
+}
+
 int SplitFileReference(const char* reference, ResourcePath* out) {
   const std::size_t length = std::strlen(reference) - 1;
   char former[kFormerSize];

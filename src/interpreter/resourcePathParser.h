@@ -18,6 +18,10 @@ int extractResourcePathPrefix(const char* input, std::size_t length, char* out);
 // From the last '#' to the end, into 200 characters.
 int extractPropertyPath(const char* input, char* out);
 
+// Whether a split reference leads to a place inside a schema: its property path has one '#', in
+// front, and a "#/".
+[[nodiscard]] bool IsPointerPath(const ResourcePath& path) noexcept;
+
 // A reference that ends with its only '#'.
 int SplitFileReference(const char* reference, ResourcePath* out);
 // A reference with a '#' inside.

@@ -13,6 +13,18 @@ namespace zephlane {
 // after a report, when memory is out.
 [[nodiscard]] CString RouteText(const ParseContext& context);
 
+// Route keeping around a nested member or element. A failed push shows as a failed pop, and a
+// failed pop is a failure of the parser, even when names that an inner failure left there are the
+// cause.
+inline void PushRoute(ParseContext* context, const char* name) {
+  (void)parserRouteInsertEnd(context->routeMap, name);
+  (void)parserRouteDisplayRoute(context->routeMap);
+}
+
+[[nodiscard]] inline bool PopRoute(ParseContext* context, const char* name) {
+  return parserRouteDeleteEnd(&context->routeMap, name) == 0;
+}
+
 // Whether so little of the thread's stack is left that a parser must not descend further. Says so
 // in a report of `source`.
 [[nodiscard]] bool StackIsUsedUp(const char* source);
