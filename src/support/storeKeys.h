@@ -14,6 +14,8 @@ inline constexpr char kUriUuidMap[] = "UriUuidMap";
 inline constexpr char kVariables[] = "zephlaneVariable";
 inline constexpr char kWebObjectUriMap[] = "WEB-OBJ-URI-MAP";
 inline constexpr char kInstanceCollectionField[] = "instanceCollection";
+inline constexpr char kStrongETagField[] = "ETagStrong";
+inline constexpr char kWeakETagField[] = "ETagWeak";
 
 // Identity and configuration
 inline constexpr char kAutoUuid[] = "autoUUID";
