@@ -2,7 +2,7 @@
 //
 // Names unique across processes. Each is the next value of a counter in Redis, read, advanced and
 // written back under two locks: a mutex that orders the threads of a process, then a record lock on
-// a file that orders the processes.
+// a file that orders the processes. Beside them the readers of the store-wide configuration.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -22,6 +22,7 @@
 
 #include <zephlaneAPI/commands.h>
 #include <zephlaneAPI/identity.h>
+#include <zephlaneAPI/objects.h>
 
 using zephlane::ApiError;
 using zephlane::kDone;
@@ -194,4 +195,35 @@ int isInvalidUUID(const regex_t* preg, const char* aText) {
   const bool valid =
       regexec(preg, aText, 1, &match, 0) == 0 && std::strlen(aText) == zephlane::kIdLength;
   return valid ? 0 : 1;
+}
+
+int zephlaneLoadConfig(redisContext* ctx, const char* aKey, char* aOut, size_t nOutSize) {
+  char scratch[zephlane::kValueSize] = "";
+  std::string_view value;
+  if (zephlaneGetHashField(ctx, zephlane::kDefaultSettings, aKey, scratch) == kDone) {
+    value = scratch;
+  } else if (aKey && std::string_view(aKey) == zephlane::kMessagePropertyField) {
+    value = zephlane::kMessagePropertyField;  // the property's name where none is configured
+  }
+  if (!aOut || value.size() >= nOutSize) {
+    ApiError{}("Input buffer size\n");
+    return kFailed;
+  }
+  zephlane::CopyCut({aOut, nOutSize}, value);
+  return kDone;
+}
+
+int zephlaneGetLinksObject(redisContext* ctx, char* aOut) {
+  if (!aOut) {
+    ApiError{}("Argument: NULL pointer\n");
+    return kFailed;
+  }
+  unsigned int count = 0;
+  const zephlane::CArray<SetData> members(zephlaneSMembers(ctx, zephlane::kRootServices, &count));
+  if (!members || count == 0) {
+    ApiError{}("empty service root\n");
+    return kFailed;
+  }
+  zephlane::CopyCounted(aOut, zephlane::BoundedText(members[0].aObjectID));
+  return kDone;
 }
