@@ -125,7 +125,7 @@ bool IsUuidText(const char* uuid) {
 }  // namespace
 
 int AddSetMember(redisContext* ctx, const char* set_key, std::string_view member) {
-  SetData row{};
+  SetData row;
   CopyCut(row.aObjectID, member);
   return zephlaneCreateSetTable(ctx, set_key, &row, 1);
 }
@@ -231,13 +231,15 @@ int hashTreeHashAddSinglePair(redisContext* ctx, const char* aFieldName, const c
     InterpreterError{kSource}("NULL pointer\n");
     return 1;
   }
-  InstanceData pair{};
-  if (!zephlane::CopyWhole(pair.aFieldName, aFieldName) ||
-      !zephlane::CopyWhole(pair.aValue, aValue)) {
+  if (std::strlen(aFieldName) >= zephlane::kValueSize ||
+      std::strlen(aValue) >= zephlane::kValueSize) {
     InterpreterError{kSource}("Redis key or value is out of range!!\n");
     InterpreterError{kSource}("<%s : %s> insert pair into hash failed!!\n", aFieldName, aValue);
     return 1;
   }
+  InstanceData pair;  // not zeroed: this runs for every field of every schema
+  zephlane::CopyCut(pair.aFieldName, aFieldName);
+  zephlane::CopyCut(pair.aValue, aValue);
   return zephlaneCreateHashTable(ctx, aHashKey, &pair, 1) == 0 ? 0 : 1;
 }
 

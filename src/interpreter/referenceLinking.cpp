@@ -331,7 +331,11 @@ int schemaRefListInsertEntry(const char* aDestinationID, const char* aSchemaName
   zephlane::CopyCut(entry.destinationID, aDestinationID);
   zephlane::CopyCut(entry.fieldName, field);
   zephlane::CopyCut(entry.referenceText, aReferenceText);
-  entry.resourcePath = *aResourcePath;
+  const ResourcePath& path = *aResourcePath;
+  zephlane::CopyCut(entry.resourcePath.path, path.path);
+  zephlane::CopyCut(entry.resourcePath.prefix, path.prefix);
+  zephlane::CopyCut(entry.resourcePath.schemaName, path.schemaName);
+  zephlane::CopyCut(entry.resourcePath.propertyPath, path.propertyPath);
   zephlane::in_use[slot] = 1;
   ++zephlane::recorded_references;
   return 0;
