@@ -96,8 +96,8 @@ ZEPHLANE_EXPORT SetData* zephlaneListRange(redisContext* ctx, const char* aListK
  * @param aListKey   list key (borrowed)
  * @param nStart     index of the first item; negative ones count from the tail
  * @param nStop      index of the last item; negative ones count from the tail
- * @param nOutCount  number of items (out); 0 when there is none; without meaning when memory is
- * out; unchanged when no reply came
+ * @param nOutCount  number of items (out); 0 when there is none; without meaning when memory
+ *                   is out; unchanged when no reply came
  * @return the items (caller frees each, then the array); NULL when there is none or on failure
  * @note Prints "Argument: NULL pointer!", "Wrong reply!" or "malloc". Redis: LRANGE.
  */

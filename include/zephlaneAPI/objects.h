@@ -241,7 +241,7 @@ ZEPHLANE_EXPORT char** zephlaneGetHashMultipleFieldV21(redisContext* ctx, const 
  * @param aValue      value looked for (borrowed), compared over at most 1023 characters
  * @param aSetKey     set of object IDs (borrowed)
  * @param aOut        zero-filled buffer (out) for the ID, to which no terminator is added;
- * unchanged on failure
+ *                    unchanged on failure
  * @return 0; 1 when nothing matches or on failure
  * @note Prints "Argument: NULL pointer", "Argument: redis context" or, without the prefix of
  *       reports and after an empty line, "%s is not a SET or empty" when memory is out.
@@ -344,8 +344,8 @@ ZEPHLANE_EXPORT SetData* zephlaneSMembers(redisContext* ctx, const char* aSetKey
  * Reads the members of a set, of any length.
  * @param ctx        connection (borrowed; one thread at a time)
  * @param aSetKey    set key (borrowed)
- * @param nOutCount  number of members (out); 0 when there is none; without meaning when memory is
- *                   out; unchanged when no reply came
+ * @param nOutCount  number of members (out); 0 when there is none; without meaning when memory
+ *                   is out; unchanged when no reply came
  * @return the members in Redis's order (caller frees each, then the array); NULL for an empty or
  *         missing set or on failure
  * @note Prints "Argument: NULL pointer!", "Wrong reply!" or "malloc". Redis: SMEMBERS.
@@ -370,8 +370,8 @@ ZEPHLANE_EXPORT InstanceData* zephlaneHashGetAll(redisContext* ctx, const char* 
  * Reads a whole hash, fields and values of any length.
  * @param ctx        connection (borrowed; one thread at a time)
  * @param aHashKey   object key (borrowed)
- * @param nOutCount  number of pairs (out); 0 when there is none; without meaning when memory is
- * out; unchanged when no reply came
+ * @param nOutCount  number of pairs (out); 0 when there is none; without meaning when memory
+ *                   is out; unchanged when no reply came
  * @return the pairs in Redis's order (caller frees each field and value, then the array); NULL for
  *         an empty or missing hash or on failure
  * @note Prints "Argument: NULL pointer!", "HGETALL failed!", "Wrong reply!" or "malloc".
