@@ -163,7 +163,7 @@ TEST_F(Locks, SecondProcessBlocksUntilUnlock) {
     locked.Open();
     return std::to_string(processUnlock(own));
   });
-  second.AwaitLockWait();
+  ASSERT_TRUE(second.WaitsForLock());
   EXPECT_FALSE(locked.IsOpen());
   EXPECT_EQ(processUnlock(fd), 0);
   EXPECT_EQ(second.Result(), "0");
@@ -181,7 +181,7 @@ TEST_F(Locks, SecondProcessBlocksUntilTheFirstExits) {
   });
   locked.Pass();
   ForkedChild second(LockAndUnlock);
-  second.AwaitLockWait();
+  ASSERT_TRUE(second.WaitsForLock());
   may_exit.Open();
   EXPECT_EQ(first.Result(), "exited without unlocking");
   EXPECT_EQ(second.Result(), "locked");
@@ -198,7 +198,7 @@ TEST_F(Locks, SecondProcessBlocksUntilTheFirstIsKilled) {
   });
   locked.Pass();
   ForkedChild second(LockAndUnlock);
-  second.AwaitLockWait();
+  ASSERT_TRUE(second.WaitsForLock());
   first.Kill();
   EXPECT_EQ(second.Result(), "locked");
 }
@@ -218,11 +218,11 @@ TEST_F(Locks, SignalDuringTheWaitIsWaitedOver) {
   handled_signals = &handled;
   ForkedChild second(LockUnderInterruptingSignals);
   for (int i = 0; i < 20; ++i) {
-    second.AwaitLockWait();
+    ASSERT_TRUE(second.WaitsForLock());
     ASSERT_EQ(kill(second.Pid(), SIGUSR1), 0);
     handled.Pass();
   }
-  second.AwaitLockWait();
+  ASSERT_TRUE(second.WaitsForLock());
   EXPECT_EQ(processUnlock(fd), 0);
   EXPECT_EQ(second.Result(), "locked");
 }
@@ -274,7 +274,7 @@ std::string HoldOtherAndWaitForFirst() {
 TEST_F(Locks, DeadlockThatTheKernelSeesIsReportedByItsNumberAndFailsTheNextCallToo) {
   const int fd = processLock(kPath);
   ForkedChild second(HoldOtherAndWaitForFirst);
-  second.AwaitLockWait();
+  ASSERT_TRUE(second.WaitsForLock());
   const Output first_try = PrintedByFailingLock(kOtherPath);
   EXPECT_EQ(Masked(first_try.out),
             ApiReport("errno = " + std::to_string(EDEADLK)) + ApiReport("lock failed"));

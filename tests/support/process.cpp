@@ -49,7 +49,7 @@ void WriteAll(int fd, const std::string& text) {
 
 // A line of the kernel's lock table, such as "1: -> POSIX  ADVISORY  WRITE 4711 fe:00:12 0 EOF",
 // has an arrow when the process in it waits.
-bool WaitsForLock(pid_t pid) {
+bool IsInLockTableAsWaiting(pid_t pid) {
   const std::string process = " " + std::to_string(pid) + " ";
   std::ifstream locks("/proc/locks");
   for (std::string line; std::getline(locks, line);) {
@@ -58,6 +58,12 @@ bool WaitsForLock(pid_t pid) {
     }
   }
   return false;
+}
+
+bool HasEnded(pid_t pid) {
+  siginfo_t info{};
+  (void)waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOHANG | WNOWAIT);
+  return info.si_pid == pid;
 }
 
 }  // namespace
@@ -132,8 +138,12 @@ void ForkedChild::Kill() {
   (void)WaitFor(std::exchange(pid_, -1));
 }
 
-void ForkedChild::AwaitLockWait() const {
-  while (!WaitsForLock(pid_)) { (void)sched_yield(); }
+bool ForkedChild::WaitsForLock() const {
+  while (!IsInLockTableAsWaiting(pid_)) {
+    if (HasEnded(pid_)) { return false; }
+    (void)sched_yield();
+  }
+  return true;
 }
 
 }  // namespace zephlane::test

@@ -53,8 +53,8 @@ class ForkedChild {
   std::string Result();
   // Ends the child with SIGKILL and waits until it is gone.
   void Kill();
-  // Waits until the child waits for a record lock.
-  void AwaitLockWait() const;
+  // Returns when the child waits for a record lock; false when it ended without.
+  [[nodiscard]] bool WaitsForLock() const;
 
  private:
   pid_t pid_ = -1;
