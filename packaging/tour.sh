@@ -7,7 +7,7 @@
 set -euo pipefail
 tool=$1
 schemas=$2
-service_root=00000000-0000-0000-0001-ffffffffffff
+shown_titles=6
 
 if [[ -z ${ZEPHLANE_PRIVATE_REDIS_RUNNING:-} ]]; then
   printf 'tour.sh: run ./demo, which gives this a Redis server of its own\n' >&2
@@ -20,8 +20,15 @@ mkdir -p /tmp/FOSS_schema /tmp/etc
 cp -- "$schemas"/*.json /tmp/FOSS_schema/
 mv /tmp/FOSS_schema/SchemaURIConf.json /tmp/etc/
 
-heading 'The schema files go into the store'
+heading 'Interpreting the sample schemas (the library itself prints the root hash, line by line)'
 "$tool" interpret /tmp/FOSS_schema/ServiceRoot.v1_0_0.json
 
-heading 'The service root as the store now holds it, two levels deep'
-"$tool" tree "$service_root" --depth 2
+listing=$("$tool" get ZephlaneSchemaTitleUuidHash)
+mapfile -t titles <<<"$listing"
+heading "Schemas in the store by title: $shown_titles of ${#titles[@]}"
+printf '%s\n' "${titles[@]:0:shown_titles}"
+
+heading 'One of them, the service root, as a tree (→ leads to another schema)'
+"$tool" tree ServiceRoot.1.0.0 --depth 3
+
+printf '\nThis server and all it held are gone again. README.md tells how to use one of your own.\n'
