@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+#
+# hardening.sh READELF FILE...: each is position-independent, resolves its symbols before it runs
+# and then has them read-only, and uses the stack protector; none has an executable stack.
+set -euo pipefail
+readelf=$1
+shift
+status=0
+
+has() { # FILE WHAT PATTERN OPTION
+  if ! "$readelf" --wide "$4" "$1" | grep -E "$3" >/dev/null; then
+    printf '%s: no %s\n' "$1" "$2"
+    status=1
+  fi
+}
+
+for file in "$@"; do
+  has "$file" 'position-independent code' 'Type: +DYN' --file-header
+  has "$file" 'read-only relocations' 'GNU_RELRO' --program-headers
+  has "$file" 'binding before the start' 'BIND_NOW|FLAGS_1.*NOW' --dynamic
+  has "$file" 'stack without execution' 'GNU_STACK.* RW ' --program-headers
+  has "$file" 'stack protector' '__stack_chk_(fail|guard)' --symbols
+done
+exit $status
