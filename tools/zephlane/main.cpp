@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+//
+// zephlane VERB ...: chooses the verb and turns its result into the exit code.
+#include <csignal>
+#include <exception>
+#include <sstream>
+#include <string>
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+
+#include "console.h"
+#include "verbs.h"
+
+namespace zephlane::tool {
+
+namespace {
+
+constexpr char kDescription[] =
+    "Looks into the resource model that libzephlaneAPI keeps in the local Redis server,\n"
+    "and internalises schema files into it.";
+constexpr char kFooter[] =
+    "Data goes to standard output, messages to standard error.\n"
+    "Exit code: 0 done, 1 failed, 2 bad usage.\n"
+    "The server is the one at 127.0.0.1:6379, its password is in /tmp/redis.requirepass.\n\n"
+    "zephlane VERB --help says more about a verb.";
+
+void Describe(CLI::App& app, Verb& run) {
+  app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("zephlane " ZEPHLANE_VERSION));
+  app.footer(kFooter);
+  app.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return fmt::format("zephlane: {}\nRun zephlane --help for more.\n", error.what());
+  });
+  for (auto* add : {AddInterpret, AddTree, AddGet, AddType, AddUuid}) { add(app, run); }
+}
+
+// Help and the version are data that was asked for; everything else is bad usage.
+int AfterParsing(const CLI::App& app, const CLI::ParseError& error, Console& console) {
+  std::ostringstream data;
+  std::ostringstream messages;
+  const int code = app.exit(error, data, messages);
+  console.Out(data.str());
+  console.Err(messages.str());
+  return code == 0 ? kDone : kBadUsage;
+}
+
+int ParseAndRun(int argc, char** argv, Console& console) {
+  CLI::App app(kDescription, "zephlane");
+  Verb run;
+  Describe(app, run);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) { return AfterParsing(app, error, console); }
+  return run(console);
+}
+
+int Main(int argc, char** argv) {
+  // A reader that is gone and a server that is gone show as failed writes.
+  (void)std::signal(SIGPIPE, SIG_IGN);
+  Console console;
+  int code = kFailed;
+  try {
+    code = ParseAndRun(argc, argv, console);
+  } catch (const std::exception& error) { console.Tell(error.what()); }
+  return console.OutFailed() ? kFailed : code;
+}
+
+}  // namespace
+
+}  // namespace zephlane::tool
+
+int main(int argc, char** argv) {
+  return zephlane::tool::Main(argc, argv);
+}

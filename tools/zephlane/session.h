@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+//
+// The connection a verb works on; without one, what is missing and how to get it.
+#pragma once
+
+#include <memory>
+
+#include <zephlaneAPI.h>
+
+#include "console.h"
+
+namespace zephlane::tool {
+
+struct Disconnect {
+  void operator()(redisContext* ctx) const noexcept {
+    (void)zephlaneRedisDisconnect(ctx);
+  }
+};
+using Session = std::unique_ptr<redisContext, Disconnect>;
+
+struct ReleaseReply {
+  void operator()(redisReply* reply) const noexcept {
+    freeReplyObject(reply);
+  }
+};
+using Answer = std::unique_ptr<redisReply, ReleaseReply>;
+
+// An authenticated connection that answers; null after telling the user what is in the way.
+[[nodiscard]] Session OpenSession(Console& console);
+
+// Whether the connection still stands; tells the user when it was lost.
+[[nodiscard]] bool StillConnected(Console& console, const redisContext* ctx);
+
+}  // namespace zephlane::tool

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+//
+// A tree as text with box-drawing lines.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "treeModel.h"
+
+namespace zephlane::tool {
+
+struct TreeStyle {
+  bool colours = false;
+  bool whole_keys = false;    // print the whole key of every object
+  std::size_t columns = 100;  // what is simple stays in one line up to this width
+};
+
+[[nodiscard]] std::string TreeText(const TreeModel& model, const TreeStyle& style);
+
+// The type of a schema node as its file gives it: stored lists of types have no separator.
+[[nodiscard]] std::string SchemaTypeText(const std::string& stored);
+
+}  // namespace zephlane::tool

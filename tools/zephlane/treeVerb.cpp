@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+//
+// tree: an object with all that it leads to.
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include <fmt/format.h>
+
+#include "plainText.h"
+#include "session.h"
+#include "storeObject.h"
+#include "treeLoader.h"
+#include "treeText.h"
+#include "verbs.h"
+
+namespace zephlane::tool {
+
+namespace {
+
+struct TreeOptions {
+  std::string key;
+  TreeRange range;
+  bool whole_keys = false;
+};
+
+constexpr char kFooter[] =
+    "Values that name a hash, a set or a list are followed. Each object is expanded once, at the\n"
+    "place nearest to the root; other places, cycles among them, say \"see above\" or \"see "
+    "below\".\n"
+    "What belongs to another schema is named (→) and not expanded, unless --all is given.\n\n"
+    "Examples:\n"
+    "  zephlane tree 00000000-0000-0000-0001-ffffffffffff --depth 2\n"
+    "  zephlane tree Chassis";
+
+bool WantsColours(const Console& console) {
+  const char* refusal = std::getenv("NO_COLOR");
+  return console.OutIsTerminal() && (refusal == nullptr || *refusal == '\0');
+}
+
+// The object that is meant: a key, or else the schema with that title. Empty when there is none.
+std::string FindRoot(redisContext* ctx, const std::string& key) {
+  if (KindOf(ctx, key) != Kind::kOther) { return key; }
+  char id[ZEPHLANE_VALUE_SIZE] = "";
+  const bool found = zephlaneGetSchemaTypeIdByTitle(ctx, key.c_str(), id) == 0;
+  return found && KindOf(ctx, id) != Kind::kOther ? id : "";
+}
+
+int Tree(Console& console, const TreeOptions& options) {
+  const Session session = OpenSession(console);
+  if (!session) { return kFailed; }
+  const std::string root = FindRoot(session.get(), options.key);
+  if (root.empty()) {
+    if (StillConnected(console, session.get())) {
+      console.Tell(fmt::format("{} is neither a hash, a set or a list nor the title of a schema.",
+                               Printable(options.key)));
+    }
+    return kFailed;
+  }
+  const TreeModel model = LoadTree(session.get(), root, options.range);
+  if (!StillConnected(console, session.get())) { return kFailed; }
+  console.Out(TreeText(model, {WantsColours(console), options.whole_keys}));
+  return kDone;
+}
+
+}  // namespace
+
+void AddTree(CLI::App& app, Verb& run) {
+  CLI::App* sub = app.add_subcommand("tree", "Print an object and all that it leads to");
+  sub->footer(kFooter);
+  const auto options = std::make_shared<TreeOptions>();
+  sub->add_option("KEY", options->key, "Key of the object, or title of a schema")->required();
+  sub->add_option("--depth", options->range.depth, "Levels to show below the object (all)")
+      ->check(CLI::Range(0U, kDeepestTree))
+      ->type_name("N");
+  sub->add_flag("--all", options->range.all, "Expand what belongs to other schemas too");
+  sub->add_flag("--keys", options->whole_keys, "Print the whole key of every object");
+  sub->callback(
+      [&run, options] { run = [options](Console& console) { return Tree(console, *options); }; });
+}
+
+}  // namespace zephlane::tool
