@@ -22,12 +22,20 @@
 #ifndef ZEPHLANEAPI_H
 #define ZEPHLANEAPI_H
 
+#include <zephlaneAPI/annotation.h>
 #include <zephlaneAPI/commands.h>
 #include <zephlaneAPI/connection.h>
+#include <zephlaneAPI/events.h>
+#include <zephlaneAPI/expiry.h>
+#include <zephlaneAPI/hooks.h>
 #include <zephlaneAPI/identity.h>
 #include <zephlaneAPI/interpreter.h>
 #include <zephlaneAPI/lists.h>
+#include <zephlaneAPI/messages.h>
 #include <zephlaneAPI/objects.h>
+#include <zephlaneAPI/tasks.h>
+#include <zephlaneAPI/trees.h>
 #include <zephlaneAPI/types.h>
+#include <zephlaneAPI/validation.h>
 
 #endif
