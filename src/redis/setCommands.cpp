@@ -110,14 +110,17 @@ int createSetTable(redisContext* ctx, const char* aSetKey, const SetData* aMembe
                    unsigned int nCount) {
   if (!ctx || !aSetKey || !aMembers) { return kFailed; }
   ArgumentVector arguments("SADD", aSetKey, 1, nCount);
+  unsigned int sent = 0;
   for (unsigned int i = 0; i < nCount; ++i) {
     if (aMembers[i].aObjectID[0] == '\0') { continue; }
     arguments.Add(aMembers[i].aObjectID);
+    ++sent;
   }
   const Reply reply = std::move(arguments).Send(ctx);
   if (!reply.Is(REDIS_REPLY_INTEGER)) { return kFailed; }
-  if (reply.IsInteger(nCount)) { return kDone; }
-  // Empty slots are not sent but asked for all the same, so an empty slot makes the call fail.
+  if (reply.IsInteger(sent)) { return kDone; }
+  // Empty slots are not sent but asked for all the same, so that one of them makes the call fail
+  // where some of the members were in the set already.
   const auto member_at = [&](unsigned int i) { return aMembers[i].aObjectID; };
   return AreAllMembers(ctx, aSetKey, nCount, member_at) ? kDone : kFailed;
 }
