@@ -61,7 +61,8 @@ int pipelineReceiveReply(redisContext* ctx, unsigned int nReplies) {
   // Reading goes on after a refusal, so that every queued reply is consumed.
   for (unsigned int received = 0; received < nReplies;) {
     void* raw = nullptr;
-    if (redisGetReply(ctx, &raw) != REDIS_OK) {
+    // A non-blocking connection may have no reply yet: that is a failed read too.
+    if (redisGetReply(ctx, &raw) != REDIS_OK || raw == nullptr) {
       if (++failed_reads == kMaximumFailedReads) { return kFailed; }
       continue;
     }
