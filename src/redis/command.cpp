@@ -5,7 +5,6 @@
 
 #include <climits>
 #include <cstdarg>
-#include <cstdint>
 #include <cstring>
 
 namespace zephlane {
@@ -28,20 +27,25 @@ Reply CommandOfText(redisContext* ctx, const char* text, ...) {
 
 namespace {
 
-// Saturates: a vector that cannot exist makes its allocation fail instead of wrapping around.
-std::size_t WordCount(std::size_t fixed, std::size_t per_item, std::size_t count) noexcept {
+// Words of a command with a word and a key of its own; 0 when no command can have so many, so that
+// not even the first word finds room.
+std::size_t WordCount(std::size_t per_item, std::size_t count) noexcept {
   std::size_t words = 0;
   const bool overflow = __builtin_mul_overflow(per_item, count, &words) ||
-                        __builtin_add_overflow(words, fixed, &words) || words > INT_MAX;
-  return overflow ? SIZE_MAX : words;
+                        __builtin_add_overflow(words, 2, &words) || words > INT_MAX;
+  return overflow ? 0 : words;
 }
 
 }  // namespace
 
-ArgumentVector::ArgumentVector(std::size_t fixed, std::size_t per_item, std::size_t count) noexcept
-    : capacity_(WordCount(fixed, per_item, count)),
+ArgumentVector::ArgumentVector(const char* word, const char* key, std::size_t per_item,
+                               std::size_t count) noexcept
+    : capacity_(WordCount(per_item, count)),
       words_(ZeroedArray<const char*>(capacity_)),
-      lengths_(words_ ? ZeroedArray<std::size_t>(capacity_) : nullptr) {}
+      lengths_(words_ ? ZeroedArray<std::size_t>(capacity_) : nullptr) {
+  Add(word);
+  Add(key);
+}
 
 void ArgumentVector::Add(const char* word) noexcept {
   if (!words_ || !lengths_ || word == nullptr || size_ == capacity_) {
@@ -51,6 +55,14 @@ void ArgumentVector::Add(const char* word) noexcept {
   words_[size_] = word;
   lengths_[size_] = std::strlen(word);
   ++size_;
+}
+
+void ArgumentVector::AddAll(char* const* words, std::size_t count) noexcept {
+  for (std::size_t i = 0; i < count; ++i) { Add(words[i]); }
+}
+
+void ArgumentVector::AddAll(const SetData* items, std::size_t count) noexcept {
+  for (std::size_t i = 0; i < count; ++i) { Add(items[i].aObjectID); }
 }
 
 Reply ArgumentVector::Send(redisContext* ctx) && noexcept {
