@@ -105,8 +105,11 @@ TEST_F(ArgumentVectors, AppendQueuesWithoutSending) {
   arguments.AddAll(&item, 1);
   EXPECT_TRUE(std::move(arguments).Append(server_.ctx()));
   EXPECT_EQ(server_.Received(), "");
-  (void)Command(server_.ctx(), "PING");
-  EXPECT_EQ(server_.Commands(), "SADD key member\nPING\n");
+  server_.WillReply(":1\r\n");
+  void* raw = nullptr;
+  ASSERT_EQ(redisGetReply(server_.ctx(), &raw), REDIS_OK);
+  EXPECT_TRUE(Reply(raw).IsInteger(1));
+  EXPECT_EQ(server_.Received(), Wire(Words{"SADD", "key", "member"}));
 }
 
 TEST_F(ArgumentVectors, WithANullWordSendNothing) {
