@@ -191,7 +191,7 @@ TEST(ListCommandArguments, NullIsRefusedBeforeAnythingIsSent) {
   EXPECT_EQ(count, 99U);
 }
 
-// The calls with an array of strings, the failure of each first.
+// Every call that takes an array of strings yields its failure without sending anything.
 void ExpectArrayRefused(char* const* texts, unsigned int count) {
   ExpectRefused(
       [=](redisContext* ctx) {
