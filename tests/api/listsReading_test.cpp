@@ -14,7 +14,6 @@ namespace {
 using zephlane::CArray;
 using zephlane::CRecord;
 using zephlane::test::ApiReport;
-using zephlane::test::Bulk;
 using zephlane::test::Bulks;
 using zephlane::test::ExpectEachFails;
 using zephlane::test::ExpectEachGivesNull;

@@ -12,14 +12,11 @@
 namespace {
 
 using zephlane::CArray;
-using zephlane::CString;
-using zephlane::test::AllocationFault;
 using zephlane::test::ApiReport;
 using zephlane::test::Bulks;
 using zephlane::test::ExpectEachGivesNull;
 using zephlane::test::GiveNumbersElements;
 using zephlane::test::Pointers;
-using zephlane::test::PrintedBy;
 using zephlane::test::PrintedWithoutMemory;
 using zephlane::test::ScriptedServer;
 using zephlane::test::StoreTest;
