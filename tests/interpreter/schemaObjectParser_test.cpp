@@ -622,6 +622,15 @@ TEST_F(MemberMap, RealOrNullAfterASuccessfulMemberIsSkippedSilently) {
   EXPECT_EQ(Ask({"HKEYS", Root()}), "DummyKey\nA\nD");
 }
 
+// Only members that are stored by their kind clear the way for a real or null, a reference does
+// not.
+TEST_F(MemberMap, NullAfterNothingButAReferenceFails) {
+  const Outcome outcome = ParseMember("properties", R"({"$ref": "#", "A": null})");
+  EXPECT_EQ(outcome.result, 1);
+  EXPECT_EQ(outcome.errors, ObjectReport(361, "Error at << Thing.json: A >>") +
+                                ObjectReport(421, "Something wrong in 'properties' field ..."));
+}
+
 TEST_F(MemberMap, MapWithinAMapLiesInTheSameHash) {
   EXPECT_EQ(ParseMember("properties", R"({"properties": {"A": "text"}})").result, 0);
   EXPECT_EQ(Tree(), "hash H0\n  A = text\n  DummyKey = DummyValue\n");

@@ -141,6 +141,11 @@ TEST_F(ExtensionKeywords, TakeNoMemberAsMessagesWhileNoneIsConfigured) {
   EXPECT_EQ(Ask({"HLEN", Root()}), "3");
 }
 
+TEST_F(ExtensionKeywords, TakeNotEvenTheEmptyNameAsMessagesWhileNoneIsConfigured) {
+  EXPECT_EQ(Parse(R"({"": {"type": "object", "values": []}})").result, 0);
+  EXPECT_EQ(Field("H0", ""), "(nil)");
+}
+
 // ---- instanceCollection
 
 class InstanceCollection : public ParserTest {
