@@ -19,8 +19,9 @@ inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;
 inline constexpr int kNoCount = -1;
 
-// Sends one command and waits for its reply. Blanks in the format separate words; blanks in the
-// arguments stay in theirs.
+// Sends one command of at most six words and waits for its reply. Blanks in the format separate
+// words; blanks in the arguments stay in theirs. A word is a literal, %s, %d, %u, or one %s with a
+// literal behind it.
 [[nodiscard, gnu::format(printf, 2, 3)]] Reply Command(redisContext* ctx, const char* format, ...);
 
 // Sends a command whose blanks all separate words, those of `text` included: only the two commands

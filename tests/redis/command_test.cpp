@@ -72,6 +72,28 @@ TEST_F(Commands, BlanksOfArgumentsStayInTheirWord) {
   EXPECT_EQ(server_.Received(), Wire(Words{"SET", "a key-TTL", "-7", ""}));
 }
 
+TEST_F(Commands, NumbersCoverTheirTypes) {
+  (void)Command(server_.ctx(), "X %d %d %u %u", INT_MIN, INT_MAX, 0U, UINT_MAX);
+  EXPECT_EQ(server_.Received(), Wire(Words{"X", "-2147483648", "2147483647", "0", "4294967295"}));
+}
+
+TEST_F(Commands, FormsThatAreNotKnownAreNotSent) {
+  EXPECT_FALSE(Command(server_.ctx(), "X %x", 1U));
+  EXPECT_FALSE(Command(server_.ctx(), "X a%s", "b"));
+  EXPECT_FALSE(Command(server_.ctx(), "X %s%s", "a", "b"));
+  EXPECT_FALSE(Command(server_.ctx(), "X %s-A %s-B", "a", "b"));
+  EXPECT_FALSE(Command(server_.ctx(), "1 2 3 4 5 6 7"));
+  EXPECT_EQ(server_.Received(), "");
+}
+
+TEST_F(Commands, IsNoReplyWithoutMemoryForAJoinedWord) {
+  AllocationFault fault(1);
+  const Reply reply = Command(server_.ctx(), "DEL %s-TTL", "key");
+  fault.Disarm();
+  EXPECT_FALSE(reply);
+  EXPECT_EQ(server_.Received(), "");
+}
+
 TEST_F(Commands, BlanksOfATextSeparateWords) {
   (void)CommandOfText(server_.ctx(), "SADD  set one two ");
   EXPECT_EQ(server_.Received(), Wire(Words{"SADD", "set", "one", "two"}));
