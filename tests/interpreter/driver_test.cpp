@@ -167,6 +167,19 @@ TEST_F(Driver, SecondRunWithoutTheRootServiceParsesAgain) {
   EXPECT_EQ(Ask({"HGET", "ZephlaneSchemaTitleUuidHash", "Root"}), kHash1);
 }
 
+TEST_F(Driver, NoPlaceholderOutlivesARun) {
+  WriteSchema("Root.json", R"({"required": ["x"], "links": [], "not": {}, "properties": {
+      "A": {"$ref": "A.json#/definitions/X"}, "B": {"anyOf": [{"$ref": "#/definitions/Y"}]}},
+      "definitions": {"Y": {"type": "null"}}})");
+  WriteSchema("A.json", R"({"definitions": {"X": {"enum": ["a", 1]}}})");
+  const Outcome run = Interpret();
+  EXPECT_EQ(run.result, 0);
+  EXPECT_EQ(run.err, "");
+  const std::string store = Dump();
+  EXPECT_EQ(store.find("DummyKey"), std::string::npos);
+  EXPECT_EQ(store.find("00000000-0000-0000-0000-000000000000"), std::string::npos);
+}
+
 TEST_F(Driver, RunAfterAFailedOneStartsAfresh) {
   WriteSchema("Root.json", R"({"items": {"$ref": "A.json"}})");
   EXPECT_EQ(Interpret().result, 1);
@@ -455,20 +468,25 @@ TEST_P(StarvedDriver, NeverCrashesAndLeavesNothingOpen) {
       "items": {"$ref": "A.json#/definitions/X"}, "not": {"$ref": "#"}})");
   WriteSchema("A.json", R"({"definitions": {"X": {"anyOf": [{"type": "null"}]}}})");
   bool has_happened = true;
+  std::string errors;
   for (int n = 1; has_happened; ++n) {
     SCOPED_TRACE(n);
     Ask({"FLUSHALL"});
     int result = -1;
     const long open = OpenDescriptors();
-    (void)Capture([&] {
+    const Output printed = Capture([&] {
       AllocationFault fault(n, GetParam());
       result = zephlaneSchemaInterpreter(kRootSchema);
       has_happened = fault.Happened();
     });
     EXPECT_EQ(OpenDescriptors(), open);
     EXPECT_TRUE(has_happened ? result == 0 || result == 1 : result == 0);
+    errors += Masked(printed.err);
     ASSERT_LT(n, 2000);
   }
+  const std::string route = Report("malloc: parser tracking spot");
+  EXPECT_NE(errors.find(route + Report("Internalize schema data into Redis cache failed !!!")),
+            std::string::npos);
 }
 
 INSTANTIATE_TEST_SUITE_P(AtOneCall, StarvedDriver, testing::Values(false));

@@ -81,6 +81,15 @@ TEST_F(HashTreeSetup, InstanceSetReportsAFailedCreation) {
   EXPECT_EQ(errors, TreeReports({"---> create set table faile !!!!"}));
 }
 
+TEST_F(HashTreeSetup, InstanceSetNeedsAKeyAndAConnection) {
+  const std::string errors = ErrorsOf([&] {
+    EXPECT_EQ(createZephlaneServiceInstanceSet(ctx(), nullptr), 1);
+    EXPECT_EQ(createZephlaneServiceInstanceSet(nullptr, "S"), 1);
+  });
+  EXPECT_EQ(errors,
+            TreeReports({"---> create set table faile !!!!", "---> create set table faile !!!!"}));
+}
+
 TEST_F(HashTreeSetup, RecordedObjectsAreDeletedTogether) {
   Ask({"HSET", "other", "a", "b"});
   EXPECT_EQ(TextOf(hashTreeCreateNewHash(ctx(), "a", "b")), kHash0);
@@ -139,12 +148,13 @@ TEST_F(HashTreePairs, EmptyValueIsSuccessAndWritesNothing) {
   EXPECT_FALSE(Stored("key"));
 }
 
-TEST_F(HashTreePairs, NullFieldOrKeyIsRefused) {
+TEST_F(HashTreePairs, NullFieldValueOrKeyIsRefused) {
   const std::string errors = ErrorsOf([&] {
     EXPECT_EQ(hashTreeHashAddSinglePair(ctx(), nullptr, "value", "key"), 1);
+    EXPECT_EQ(hashTreeHashAddSinglePair(ctx(), "field", nullptr, "key"), 1);
     EXPECT_EQ(hashTreeHashAddSinglePair(ctx(), "field", "value", nullptr), 1);
   });
-  EXPECT_EQ(errors, TreeReports({"NULL pointer", "NULL pointer"}));
+  EXPECT_EQ(errors, TreeReports({"NULL pointer", "NULL pointer", "NULL pointer"}));
 }
 
 TEST_F(HashTreePairs, FieldOrValueOf1024CharactersIsRefused) {
@@ -180,6 +190,16 @@ TEST_F(HashTreePairs, FieldIsReadBack) {
   EXPECT_STREQ(value, "T");
   EXPECT_EQ(hashTreeGetHashFieldValue(ctx(), "parent", "none", value), 1);
   EXPECT_EQ(hashTreeGetHashFieldValue(ctx(), "none", "title", value), 1);
+}
+
+TEST_F(HashTreePairs, ReadingNeedsAKeyAFieldAndAConnection) {
+  char value[1024] = "before";
+  (void)Capture([&] {
+    EXPECT_EQ(hashTreeGetHashFieldValue(ctx(), nullptr, "title", value), 1);
+    EXPECT_EQ(hashTreeGetHashFieldValue(ctx(), "parent", nullptr, value), 1);
+    EXPECT_EQ(hashTreeGetHashFieldValue(nullptr, "parent", "title", value), 1);
+  });
+  EXPECT_STREQ(value, "before");
 }
 
 using NewHashes = HashTreeTest;
@@ -356,6 +376,15 @@ TEST_F(InstanceSets, RefuseAnyOtherKey) {
       [&] { EXPECT_EQ(hashTreeInstanceSetInsertMember(ctx(), "ZephlaneSchemas", kHash0), 1); });
   EXPECT_EQ(errors, TreeReports({"---> Unknown target Set ID: ZephlaneSchemas !!!!"}));
   EXPECT_FALSE(Stored("ZephlaneSchemas"));
+}
+
+TEST_F(InstanceSets, RefuseAMissingKeyOrMember) {
+  const std::string errors = ErrorsOf([&] {
+    EXPECT_EQ(hashTreeInstanceSetInsertMember(ctx(), nullptr, kHash0), 1);
+    EXPECT_EQ(hashTreeInstanceSetInsertMember(ctx(), "ZephlaneRootServices", nullptr), 1);
+  });
+  EXPECT_EQ(errors, TreeReports({"---> Unknown target Set ID: (null) !!!!",
+                                 "Insert entry to \"ZephlaneRootServices\"  failed !!!!"}));
 }
 
 TEST_F(InstanceSets, ReportAKeyOfAnotherType) {
@@ -648,6 +677,13 @@ TEST_F(SchemaTable, RefusesNullArguments) {
   });
   const std::string report = "schemaReferTableInsertEntry: argument is NULL";
   EXPECT_EQ(errors, TreeReports({report, report}));
+}
+
+TEST_F(SchemaTable, FindsNothingUnderNull) {
+  EXPECT_EQ(getSchemaHashID(nullptr), nullptr);
+  EXPECT_EQ(isReferenceSchemaHasInternalized(nullptr), 0);
+  EXPECT_EQ(recordRedisObjectID(nullptr), -1);
+  EXPECT_EQ(isUUIDRegistered(nullptr), 0);
 }
 
 class TitleIndex : public HashTreeTest {

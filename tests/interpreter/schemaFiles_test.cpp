@@ -72,6 +72,12 @@ TEST(SchemaFiles, MissingFileIsReported) {
                                                    "/tmp/none/File.json: not such schema file"));
 }
 
+TEST(SchemaFiles, MissingNameIsReportedAsAMissingFile) {
+  const Output printed = Capture([] { EXPECT_EQ(loadZephlaneSchemaFile(nullptr), nullptr); });
+  EXPECT_EQ(Masked(printed.err),
+            InterpreterReport("zephlaneSchemaInterpreter.cpp", "(null): not such schema file"));
+}
+
 TEST(SchemaFiles, ParseErrorIsReportedWithoutPrefix) {
   const Loaded loaded = LoadText("{\n  \"title\": \"T\",\n  text\n}\n");
   EXPECT_EQ(loaded.document, nullptr);
@@ -123,6 +129,10 @@ TEST_F(InterpretedMark, IsNoObjectOfAnotherType) {
   EXPECT_EQ(isSchemaInterpreted(ctx()), 0);
 }
 
+TEST_F(InterpretedMark, IsNotFoundWithoutAConnection) {
+  (void)Capture([] { EXPECT_EQ(isSchemaInterpreted(nullptr), 0); });
+}
+
 TEST_F(InterpretedMark, IsNotFoundOverALostConnection) {
   ScriptedServer server;
   server.WillClose();
@@ -146,6 +156,11 @@ TEST(SpecialNames, AreComparedWhole) {
   for (const char* name : {"", "Schema", "schem", "schema##", "hyper", "hyper-schema.json"}) {
     EXPECT_EQ(isSpecialSchemaFile(name), 0) << name;
   }
+}
+
+TEST(SpecialNames, AreNotNull) {
+  EXPECT_EQ(isSpecialSchemaFile(nullptr), 0);
+  EXPECT_EQ(isTypeSchemaEssentialField(nullptr), 0);
 }
 
 // An entry added to the table counts once the count says so.
