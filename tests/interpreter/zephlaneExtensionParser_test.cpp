@@ -495,6 +495,17 @@ TEST_F(Messages, FailWhenTheSetTakesNoMember) {
   EXPECT_EQ(outcome.errors, ExtensionReport(521, "---> create set table failed !!!!"));
 }
 
+TEST_F(Messages, FailCleanlyWhereverMemoryRunsOut) {
+  json_t* const messages =
+      Value(R"({"type": "object", "values": [{"id": "1", "Param": ["#/definitions/A"]}]})");
+  const std::string reports =
+      ReportsOfAllocationFaults([&] { (void)parseRuxoMessageField(context(), messages, Root()); });
+  EXPECT_NE(reports.find(ExtensionReport(482, "<id : 1> insert pair into hash failed!!")),
+            std::string::npos);
+  EXPECT_NE(reports.find(ExtensionReport(581, "create new set table faile !!!!")),
+            std::string::npos);
+}
+
 TEST_F(Messages, NullArgumentsOfTheirValuesAreReported) {
   json_t* const values = Value("[]");
   const std::string report = NullArgument(444, "parseRuxoMsgValue");
