@@ -82,6 +82,6 @@ configure() {
 test_jobs() {
   local network
   network=$("build/$1/tests/support/zephlane-private-redis" --no-server \
-    readlink /proc/self/ns/net) || return
+    sh -c 'readlink /proc/self/ns/net') || return
   if [[ $network == "$(readlink /proc/self/ns/net)" ]]; then echo 1; else nproc; fi
 }

@@ -66,8 +66,9 @@ ZEPHLANE_EXPORT int zephlaneCreateExtendedHashTable(redisContext* ctx, const cha
  * Adds members to a set.
  * @param ctx       connection (borrowed; one thread at a time)
  * @param aSetKey   set key (borrowed)
- * @param aMembers  nCount members (borrowed); an empty one is not added
- * @param nCount    number of members
+ * @param aMembers  nCount members (borrowed); an empty one is left out, but makes the call fail
+ *                  where some of the others were members already
+ * @param nCount    number of members; without any to add the call fails
  * @return 0 when every given member is in the set; 1 on failure
  * @note Prints "Argument: NULL pointer", "Argument: redis context" or, without the prefix of
  *       reports, " Create Set \"%s\" Failed !!!" with the key. Redis: SADD, and SISMEMBER of each

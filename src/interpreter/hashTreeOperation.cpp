@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 
 #include "interpreter/typeNames.h"
 #include "support/owners.h"
@@ -55,6 +56,7 @@ std::uint32_t G_nRedisSetIDCounter = 0;
 // interpreting thread writes them; the counts may be read by others.
 char G_aRedisObjectCollection[kMaximumObjects][kIdSize];
 SchemaReferenceEntry G_aSchemaReferenceTable[kMaximumSchemas];
+std::size_t schema_name_digests[kMaximumSchemas];
 std::atomic<unsigned int> recorded_objects = 0;
 std::atomic<unsigned int> registered_schemas = 0;
 
@@ -83,9 +85,12 @@ bool Record(const char* id) {
   return false;
 }
 
+// The first entry of that name. A scan over the digests touches one entry instead of all.
 const SchemaReferenceEntry* FindSchema(std::string_view name) {
-  for (const SchemaReferenceEntry& entry : Schemas()) {
-    if (name == entry.schemaName) { return &entry; }
+  const std::size_t digest = std::hash<std::string_view>{}(name);
+  const auto schemas = Schemas();
+  for (std::size_t i = 0; i < schemas.size(); ++i) {
+    if (schema_name_digests[i] == digest && name == schemas[i].schemaName) { return &schemas[i]; }
   }
   return nullptr;
 }
@@ -109,7 +114,7 @@ bool IsFixedId(std::string_view uuid) {
 }
 
 bool IsUuidText(const char* uuid) {
-  const Regex pattern(kUuidPattern, REG_EXTENDED);
+  const Regex pattern(kUuidPattern, REG_EXTENDED | REG_NOSUB);
   if (!pattern) {
     InterpreterError{kSource}("regcomp() fail\n\n");
     return false;
@@ -410,6 +415,7 @@ int schemaReferTableInsertEntry(const char* aSchemaName, const char* aHashID) {
   zephlane::CopyCut(entry.schemaName, aSchemaName);
   zephlane::CopyCut(entry.hashID, aHashID);
   entry.used = 1;
+  zephlane::schema_name_digests[count] = std::hash<std::string_view>{}(aSchemaName);
   ++zephlane::registered_schemas;
   return 0;
 }

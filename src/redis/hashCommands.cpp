@@ -58,9 +58,7 @@ using zephlane::Reply;
 int createHashTable(redisContext* ctx, const char* aHashKey, const InstanceData* aPairs,
                     unsigned int nCount) {
   if (!ctx || !aHashKey || !aPairs) { return kFailed; }
-  ArgumentVector arguments(2, 2, nCount);
-  arguments.Add("HMSET");
-  arguments.Add(aHashKey);
+  ArgumentVector arguments("HMSET", aHashKey, 2, nCount);
   for (unsigned int i = 0; i < nCount; ++i) {
     if (zephlane::IsEmpty(aPairs[i].aValue)) { continue; }
     arguments.Add(aPairs[i].aFieldName);
@@ -74,9 +72,7 @@ int redisHashMultipleSet(redisContext* ctx, const char* aHashKey, char* const* a
                          char* const* aValues, unsigned int nCount) {
   if (!ctx || !aHashKey || !aFields || !aValues || nCount == 0) { return kFailed; }
   if (!aFields[0] || !aValues[0]) { return kFailed; }
-  ArgumentVector arguments(2, 2, nCount);
-  arguments.Add("HMSET");
-  arguments.Add(aHashKey);
+  ArgumentVector arguments("HMSET", aHashKey, 2, nCount);
   for (unsigned int i = 0; i < nCount; ++i) {
     arguments.Add(aFields[i]);
     arguments.Add(aValues[i]);
@@ -100,16 +96,15 @@ int copyHash(redisContext* ctx, const char* aDestinationKey, const char* aSource
     if (!pairs) { return kFailed; }
     zephlane::CopyPairs(reply, pairs.get(), count);
   }
+  // The destination is not cleared first: its other fields stay.
   return createHashTable(ctx, aDestinationKey, pairs.get(), static_cast<unsigned int>(count));
 }
 
 char** redisHashMultipleGet(redisContext* ctx, const char* aHashKey, char* const* aFields,
                             unsigned int nCount, unsigned int* nOutCount) {
   if (!ctx || !aHashKey || !aFields || !nOutCount) { return nullptr; }
-  ArgumentVector arguments(2, 1, nCount);
-  arguments.Add("HMGET");
-  arguments.Add(aHashKey);
-  for (unsigned int i = 0; i < nCount; ++i) { arguments.Add(aFields[i]); }
+  ArgumentVector arguments("HMGET", aHashKey, 1, nCount);
+  arguments.AddAll(aFields, nCount);
   const Reply reply = std::move(arguments).Send(ctx);
   if (!reply.Is(REDIS_REPLY_ARRAY)) { return nullptr; }
   char** texts = zephlane::CopyElements(reply);
@@ -150,6 +145,7 @@ int removeFieldFromHash(redisContext* ctx, const char* aHashKey, const char* aFi
 
 int hsetKey(redisContext* ctx, const char* aHashKey, const char* aFieldName, const char* aValue) {
   if (!ctx || !aHashKey || !aFieldName || !aValue) { return kFailed; }
+  // Any reply counts as success, an ERROR too.
   return Command(ctx, "HSET %s %s %s", aHashKey, aFieldName, aValue) ? kDone : kFailed;
 }
 
@@ -165,6 +161,7 @@ int addTtlToHash(redisContext* ctx, const char* aHashKey, int nSeconds) {
 int isHashTimeOut(redisContext* ctx, const char* aHashKey) {
   if (!ctx || !aHashKey) { return 0; }
   const Reply reply = Command(ctx, "HGET %s-TTL %s", aHashKey, zephlane::kTtlSecondsField);
+  // Without a reply the hash counts as not timed out.
   return reply && reply.Text().empty() ? 1 : 0;
 }
 

@@ -30,6 +30,7 @@ int deleteKey(redisContext* ctx, const char* aKey) {
 
 int setKey(redisContext* ctx, const char* aKey, const char* aValue) {
   if (!ctx || !aKey || !aValue) { return kFailed; }
+  // Any reply counts as success, an ERROR too.
   return Command(ctx, "SET %s %s", aKey, aValue) ? kDone : kFailed;
 }
 
@@ -43,6 +44,7 @@ int getKey(redisContext* ctx, const char* aKey, char* aOut) {
 
 int incrKey(redisContext* ctx, const char* aKey) {
   if (!ctx || !aKey) { return kFailed; }
+  // Any reply counts as success, an ERROR too.
   return Command(ctx, "INCR %s", aKey) ? kDone : kFailed;
 }
 

@@ -26,10 +26,8 @@ int PushAll(redisContext* ctx, const char* word, const char* key, char* const* i
   if (!ctx || !key || !items || count == 0 || !items[0]) { return kFailed; }
   unsigned int former_length = 0;
   if (listLength(ctx, key, &former_length) != kDone) { return kFailed; }
-  ArgumentVector arguments(2, 1, count);
-  arguments.Add(word);
-  arguments.Add(key);
-  for (unsigned int i = 0; i < count; ++i) { arguments.Add(items[i]); }
+  ArgumentVector arguments(word, key, 1, count);
+  arguments.AddAll(items, count);
   const Reply reply = std::move(arguments).Send(ctx);
   return reply.IsInteger(static_cast<long long>(former_length) + count) ? kDone : kFailed;
 }
@@ -50,9 +48,8 @@ PopResult* BlockingPop(redisContext* ctx, const char* word, unsigned int timeout
   if (!ctx || !keys || count == 0 || !keys[0]) { return nullptr; }
   char timeout[64] = "";
   (void)std::snprintf(timeout, sizeof(timeout), "%u", timeout_seconds);
-  ArgumentVector arguments(2, 1, count);
-  arguments.Add(word);
-  for (unsigned int i = 0; i < count; ++i) { arguments.Add(keys[i]); }
+  ArgumentVector arguments(word, keys[0], 1, count);
+  arguments.AddAll(keys + 1, count - 1);
   arguments.Add(timeout);
   return CopyOfPair(std::move(arguments).Send(ctx));
 }
@@ -126,10 +123,8 @@ int createListTable(redisContext* ctx, const char* aListKey, const SetData* aIte
   if (!ctx || !aListKey || !aItems || nCount == 0) { return kFailed; }
   unsigned int former_length = 0;
   if (listLength(ctx, aListKey, &former_length) != kDone) { return kFailed; }
-  ArgumentVector arguments(2, 1, nCount);
-  arguments.Add("RPUSH");
-  arguments.Add(aListKey);
-  for (unsigned int i = 0; i < nCount; ++i) { arguments.Add(aItems[i].aObjectID); }
+  ArgumentVector arguments("RPUSH", aListKey, 1, nCount);
+  arguments.AddAll(aItems, nCount);
   {
     const Reply reply = std::move(arguments).Send(ctx);
     if (!reply || reply.Integer() == 0) { return kFailed; }

@@ -16,9 +16,7 @@ namespace {
 constexpr unsigned int kMaximumFailedReads = 8;
 
 int AppendHash(redisContext* ctx, const char* key, const InstanceData* pairs, unsigned int count) {
-  ArgumentVector arguments(2, 2, count);
-  arguments.Add("HMSET");
-  arguments.Add(key);
+  ArgumentVector arguments("HMSET", key, 2, count);
   for (unsigned int i = 0; i < count; ++i) {
     // Empty values go out too, unlike when a hash is created by itself.
     arguments.Add(pairs[i].aFieldName);
@@ -29,10 +27,8 @@ int AppendHash(redisContext* ctx, const char* key, const InstanceData* pairs, un
 
 int AppendItems(redisContext* ctx, const char* word, const char* key, const SetData* items,
                 unsigned int count) {
-  ArgumentVector arguments(2, 1, count);
-  arguments.Add(word);
-  arguments.Add(key);
-  for (unsigned int i = 0; i < count; ++i) { arguments.Add(items[i].aObjectID); }
+  ArgumentVector arguments(word, key, 1, count);
+  arguments.AddAll(items, count);
   return std::move(arguments).Append(ctx) ? kDone : kFailed;
 }
 
@@ -65,7 +61,8 @@ int pipelineReceiveReply(redisContext* ctx, unsigned int nReplies) {
   // Reading goes on after a refusal, so that every queued reply is consumed.
   for (unsigned int received = 0; received < nReplies;) {
     void* raw = nullptr;
-    if (redisGetReply(ctx, &raw) != REDIS_OK) {
+    // A non-blocking connection may have no reply yet: that is a failed read too.
+    if (redisGetReply(ctx, &raw) != REDIS_OK || raw == nullptr) {
       if (++failed_reads == kMaximumFailedReads) { return kFailed; }
       continue;
     }

@@ -22,23 +22,19 @@ int IntegerOrNoCount(const Reply& reply) {
   return reply.Is(REDIS_REPLY_INTEGER) ? static_cast<int>(reply.Integer()) : kNoCount;
 }
 
-// Judges an SADD. A number short of the count means that some were members already: then each is
-// asked for. `member_at` yields the i-th given member.
+// `member_at` yields the i-th given member.
 template <typename MemberAt>
-int JudgeAdded(redisContext* ctx, const char* key, const Reply& reply, unsigned int count,
-               MemberAt member_at) {
-  if (!reply.Is(REDIS_REPLY_INTEGER)) { return kFailed; }
-  if (reply.Integer() == static_cast<long long>(count)) { return kDone; }
+bool AreAllMembers(redisContext* ctx, const char* key, unsigned int count, MemberAt member_at) {
   for (unsigned int i = 0; i < count; ++i) {
-    if (sismember(ctx, key, member_at(i)) != 1) { return kFailed; }
+    if (sismember(ctx, key, member_at(i)) != 1) { return false; }
   }
-  return kDone;
+  return true;
 }
 
 // Sends a command word and a text whose blanks separate further words.
 Reply CommandOfWordAndText(redisContext* ctx, const char* word, const char* text) {
   const std::size_t size = std::strlen(word) + 1 + std::strlen(text) + 1;
-  const zephlane::CString command(static_cast<char*>(std::malloc(size)));
+  const auto command = zephlane::UnfilledArray<char>(size);
   if (!command) { return Reply(nullptr); }
   (void)std::snprintf(command.get(), size, "%s %s", word, text);
   return zephlane::CommandOfText(ctx, command.get());
@@ -100,25 +96,31 @@ int saddCmd(redisContext* ctx, const char* aText) {
 int redisSetMultipleAdd(redisContext* ctx, const char* aSetKey, char* const* aMembers,
                         unsigned int nCount) {
   if (!ctx || !aSetKey || !aMembers || nCount == 0 || !aMembers[0]) { return kFailed; }
-  ArgumentVector arguments(2, 1, nCount);
-  arguments.Add("SADD");
-  arguments.Add(aSetKey);
-  for (unsigned int i = 0; i < nCount; ++i) { arguments.Add(aMembers[i]); }
+  ArgumentVector arguments("SADD", aSetKey, 1, nCount);
+  arguments.AddAll(aMembers, nCount);
   const Reply reply = std::move(arguments).Send(ctx);
-  return JudgeAdded(ctx, aSetKey, reply, nCount, [&](unsigned int i) { return aMembers[i]; });
+  if (!reply.Is(REDIS_REPLY_INTEGER)) { return kFailed; }
+  if (reply.IsInteger(nCount)) { return kDone; }
+  // Some were members already, or were given twice: each is asked for.
+  const auto member_at = [&](unsigned int i) { return aMembers[i]; };
+  return AreAllMembers(ctx, aSetKey, nCount, member_at) ? kDone : kFailed;
 }
 
 int createSetTable(redisContext* ctx, const char* aSetKey, const SetData* aMembers,
                    unsigned int nCount) {
   if (!ctx || !aSetKey || !aMembers) { return kFailed; }
-  ArgumentVector arguments(2, 1, nCount);
-  arguments.Add("SADD");
-  arguments.Add(aSetKey);
+  ArgumentVector arguments("SADD", aSetKey, 1, nCount);
+  unsigned int sent = 0;
   for (unsigned int i = 0; i < nCount; ++i) {
-    if (aMembers[i].aObjectID[0] != '\0') { arguments.Add(aMembers[i].aObjectID); }
+    if (aMembers[i].aObjectID[0] == '\0') { continue; }
+    arguments.Add(aMembers[i].aObjectID);
+    ++sent;
   }
   const Reply reply = std::move(arguments).Send(ctx);
-  // Empty slots are not sent but asked for all the same, so an empty slot makes the call fail.
-  return JudgeAdded(ctx, aSetKey, reply, nCount,
-                    [&](unsigned int i) { return aMembers[i].aObjectID; });
+  if (!reply.Is(REDIS_REPLY_INTEGER)) { return kFailed; }
+  if (reply.IsInteger(sent)) { return kDone; }
+  // Empty slots are not sent but asked for all the same, so that one of them makes the call fail
+  // where some of the members were in the set already.
+  const auto member_at = [&](unsigned int i) { return aMembers[i].aObjectID; };
+  return AreAllMembers(ctx, aSetKey, nCount, member_at) ? kDone : kFailed;
 }

@@ -203,24 +203,19 @@ TEST_F(Locks, SecondProcessBlocksUntilTheFirstIsKilled) {
   EXPECT_EQ(second.Result(), "locked");
 }
 
-Gate* handled_signals = nullptr;
-
 std::string LockUnderInterruptingSignals() {
   struct sigaction action {};  // without SA_RESTART, so that the wait is interrupted
-  action.sa_handler = [](int) { handled_signals->Open(); };
+  action.sa_handler = [](int) {};
   (void)sigaction(SIGUSR1, &action, nullptr);
   return LockAndUnlock();
 }
 
 TEST_F(Locks, SignalDuringTheWaitIsWaitedOver) {
   const int fd = processLock(kPath);
-  Gate handled;
-  handled_signals = &handled;
   ForkedChild second(LockUnderInterruptingSignals);
   for (int i = 0; i < 20; ++i) {
     ASSERT_TRUE(second.WaitsForLock());
-    ASSERT_EQ(kill(second.Pid(), SIGUSR1), 0);
-    handled.Pass();
+    ASSERT_TRUE(second.Deliver(SIGUSR1));
   }
   ASSERT_TRUE(second.WaitsForLock());
   EXPECT_EQ(processUnlock(fd), 0);

@@ -131,7 +131,10 @@ TEST_P(SchemaCases, GiveTheExpectedStore) {
   for (const std::vector<std::string>& command : setup.commands) { Ask(command); }
 
   int result = -1;
+  const long open = zephlane::test::OpenDescriptors();
   const Output printed = Capture([&] { result = zephlaneSchemaInterpreter(setup.root.c_str()); });
+  EXPECT_EQ(zephlane::test::OpenDescriptors(), open);
+  Ask({"ACL", "SETUSER", "default", "+@all"});  // a case may have denied commands
 
   const std::string expected_errors = TextOf(folder / "stderr.txt");
   EXPECT_EQ(MaskedLike(expected_errors, printed.err), expected_errors);

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 namespace zephlane::test {
 
@@ -27,6 +28,11 @@ void WriteConfiguration(const std::string& text) {
 
 void RemoveConfiguration() {
   std::filesystem::remove(kConfigurationFile);
+}
+
+long OpenDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                       std::filesystem::directory_iterator{});
 }
 
 }  // namespace zephlane::test

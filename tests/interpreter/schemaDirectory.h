@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The files an interpreter run reads, at the places it reads them from.
+// The files an interpreter run reads, at the places it reads them from, and those it leaves open.
 #pragma once
 
 #include <string>
@@ -23,5 +23,8 @@ void WriteSchema(const std::string& name, const std::string& text);
 
 void WriteConfiguration(const std::string& text);
 void RemoveConfiguration();
+
+// How many files and connections this process has open: a run leaves none.
+long OpenDescriptors();
 
 }  // namespace zephlane::test

@@ -242,6 +242,13 @@ TEST(SchemaLocations, MissingFileIsReportedByTheLoaderAndTheLoad) {
   EXPECT_EQ(G_nSchemaURICount, 0);
 }
 
+TEST(SchemaLocations, MissingFileNameIsReportedAsAMissingFile) {
+  const Output printed = Capture([] { EXPECT_EQ(loadSchemaURIConf(nullptr), 1); });
+  EXPECT_TRUE(
+      Masked(printed.err)
+          .ends_with(InterpreterReport(kSource, "Failed to open configure file (null) !!!\n")));
+}
+
 TEST(SchemaLocations, FileThatIsNotADocumentIsRefused) {
   for (const char* text :
        {"", "text", "1", "null", "\"http://a/\"", "{\"DmtfSchemaUri\": ", "{} {}"}) {
@@ -278,6 +285,7 @@ TEST(SchemaLocations, PrefixIsComparedWholeWithTheCountedEntries) {
   EXPECT_EQ(isValidDmtfURL("http://oem.example.com/2/3/"), 0);
   EXPECT_EQ(isValidDmtfURL("HTTP://OEM.EXAMPLE.COM/2/"), 0);
   EXPECT_EQ(isValidDmtfURL(""), 0);
+  EXPECT_EQ(isValidDmtfURL(nullptr), 0);
   G_nSchemaURICount = 2;
   EXPECT_EQ(isValidDmtfURL("http://oem.example.com/2/"), 0);
   G_nSchemaURICount = 0;

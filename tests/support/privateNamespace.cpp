@@ -16,6 +16,8 @@
 #include <filesystem>
 #include <map>
 
+#include "support/fixedNames.h"
+
 namespace zephlane::test {
 
 namespace {
@@ -49,42 +51,28 @@ std::string Unshare() {
   return MapUser(user, group) ? "" : Refused("user map");
 }
 
-// A refused namespace must leave the process as it was, so a child tries first.
-std::string TryInChild() {
-  int result[2];
-  if (pipe2(result, O_CLOEXEC) != 0) { return Refused("pipe"); }
-  const pid_t child = fork();
-  if (child == 0) {
-    std::string refusal = Unshare();
-    if (refusal.empty() && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
-      refusal = Refused("mount");
-    }
-    (void)!write(result[1], refusal.data(), refusal.size());
-    _exit(0);
-  }
-  (void)close(result[1]);
-  char text[256] = "";
-  const ssize_t length = read(result[0], text, sizeof(text) - 1);
-  (void)close(result[0]);
-  (void)waitpid(child, nullptr, 0);
-  return length > 0 ? text : "";
-}
-
-// The directories directly below /tmp that lead to `keep`, opened so that they can be mounted
-// again.
+// What of /tmp stays visible: the entries directly below it that lead to `keep`, opened so that
+// they can be mounted again. The library's own names never stay: those are what is to be private.
 std::map<std::string, int> OpenKept(const std::vector<std::string>& keep) {
   std::map<std::string, int> opened;
   for (const std::string& path : keep) {
-    const std::string whole = std::filesystem::weakly_canonical(path).string();
+    std::error_code not_a_path;  // an argument of the program may be any text
+    const std::string whole = std::filesystem::weakly_canonical(path, not_a_path).string();
     if (!whole.starts_with("/tmp/")) { continue; }
     const std::string top = whole.substr(0, whole.find('/', sizeof("/tmp/") - 1));
-    struct stat status {};
-    if (opened.contains(top) || stat(top.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) {
-      continue;
-    }
-    opened[top] = open(top.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    if (opened.contains(top) || IsFixedPath(top)) { continue; }
+    const int fd = open(top.c_str(), O_PATH | O_CLOEXEC);
+    if (fd >= 0) { opened[top] = fd; }
   }
   return opened;
+}
+
+bool MakeMountPoint(const std::string& path, int source) {
+  struct stat status {};
+  if (fstat(source, &status) != 0) { return false; }
+  if (S_ISDIR(status.st_mode)) { return mkdir(path.c_str(), 0755) == 0; }
+  const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+  return fd >= 0 && close(fd) == 0;
 }
 
 std::string MountTmp(const std::vector<std::string>& keep) {
@@ -94,7 +82,7 @@ std::string MountTmp(const std::vector<std::string>& keep) {
   if (mount("tmpfs", "/tmp", "tmpfs", 0, "mode=1777") != 0) { return Refused("mount /tmp"); }
   for (const auto& [top, fd] : kept) {
     const std::string source = "/proc/self/fd/" + std::to_string(fd);
-    if (mkdir(top.c_str(), 0755) != 0 ||
+    if (!MakeMountPoint(top, fd) ||
         mount(source.c_str(), top.c_str(), nullptr, MS_BIND | MS_REC, nullptr) != 0) {
       return Refused("mount " + top);
     }
@@ -108,7 +96,8 @@ std::string MountTmp(const std::vector<std::string>& keep) {
 std::string RaiseLoopback() {
   const int fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
   ifreq request{};
-  std::strcpy(request.ifr_name, "lo");
+  request.ifr_name[0] = 'l';
+  request.ifr_name[1] = 'o';
   request.ifr_flags = IFF_UP;
   const bool raised = fd >= 0 && ioctl(fd, SIOCSIFFLAGS, &request) == 0;
   const std::string refusal = raised ? "" : Refused("loopback");
@@ -116,20 +105,51 @@ std::string RaiseLoopback() {
   return refusal;
 }
 
-}  // namespace
+// The queues' file system shows those of the new namespace only when mounted anew; nothing but
+// listing them needs it, so a refusal is none of the whole.
+void MountQueues() {
+  constexpr char kUsual[] = "/dev/mqueue";
+  constexpr char kWhereThereIsNone[] = "/tmp/.mqueue";
+  if (mount("mqueue", kUsual, "mqueue", 0, nullptr) == 0) { return; }
+  (void)mkdir(kWhereThereIsNone, 01777);
+  (void)mount("mqueue", kWhereThereIsNone, "mqueue", 0, nullptr);
+}
 
-std::string EnterPrivateNamespace(const std::vector<std::string>& keep) {
-  std::string refusal = TryInChild();
-  if (refusal.empty()) { refusal = Unshare(); }
+std::string Enter(const std::vector<std::string>& keep) {
+  std::string refusal = Unshare();
   if (refusal.empty() && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
     refusal = Refused("mount");
   }
   if (refusal.empty()) { refusal = MountTmp(keep); }
   if (refusal.empty()) { refusal = RaiseLoopback(); }
-  // The queues' file system shows those of the new namespace only when mounted anew; nothing but
-  // listing them needs it.
-  if (refusal.empty()) { (void)mount("mqueue", "/dev/mqueue", "mqueue", 0, nullptr); }
+  if (refusal.empty()) { MountQueues(); }
   return refusal;
+}
+
+// A refused namespace must leave the process as it was, so a child tries first.
+std::string EnterInChild(const std::vector<std::string>& keep) {
+  int result[2];
+  if (pipe2(result, O_CLOEXEC) != 0) { return Refused("pipe"); }
+  const pid_t child = fork();
+  if (child < 0) { return Refused("fork"); }
+  if (child == 0) {
+    const std::string refusal = Enter(keep);
+    (void)!write(result[1], refusal.data(), refusal.size());
+    _exit(0);
+  }
+  (void)close(result[1]);
+  char text[256] = "";
+  const ssize_t length = read(result[0], text, sizeof(text) - 1);
+  (void)close(result[0]);
+  (void)waitpid(child, nullptr, 0);
+  return length > 0 ? text : "";
+}
+
+}  // namespace
+
+std::string EnterPrivateNamespace(const std::vector<std::string>& keep) {
+  const std::string refusal = EnterInChild(keep);
+  return refusal.empty() ? Enter(keep) : refusal;
 }
 
 }  // namespace zephlane::test

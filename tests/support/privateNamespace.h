@@ -9,8 +9,9 @@
 
 namespace zephlane::test {
 
-// Enters one. Directories directly below /tmp that hold one of `keep` stay visible. An empty result
-// means done; otherwise it says what the machine refused, and nothing has changed.
+// Enters one. What lies directly below /tmp and is or holds one of `keep` stays visible, but never
+// the library's fixed names. An empty result means done; otherwise it says what the machine
+// refused, and nothing has changed.
 std::string EnterPrivateNamespace(const std::vector<std::string>& keep);
 
 }  // namespace zephlane::test

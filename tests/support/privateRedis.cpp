@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 
 #include "support/fixedNames.h"
 #include "support/privateNamespace.h"
@@ -29,18 +30,18 @@ void ForwardSignal(int signal_number) {
   if (running_program > 0) { (void)kill(running_program, signal_number); }
 }
 
-// An interrupted run must still remove what it made: the signal ends the program, then us.
-void ForwardEndingSignals() {
-  struct sigaction action {};
-  action.sa_handler = ForwardSignal;
-  for (const int signal_number : {SIGINT, SIGTERM, SIGHUP}) {
-    (void)sigaction(signal_number, &action, nullptr);
-  }
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+// Holds them back with SIG_BLOCK, lets them through with SIG_UNBLOCK.
+void LetEndingSignals(int how) {
+  sigset_t ending;
+  (void)sigemptyset(&ending);
+  for (const int signal_number : kEndingSignals) { (void)sigaddset(&ending, signal_number); }
+  (void)sigprocmask(how, &ending, nullptr);
 }
 
 [[noreturn]] void ExecProgram(const std::vector<std::string>& program) {
   (void)prctl(PR_SET_PDEATHSIG, SIGTERM);
-  (void)setenv(kPrivateRedisMark, "1", 1);
   std::vector<char*> words;
   for (const std::string& word : program) { words.push_back(const_cast<char*>(word.c_str())); }
   words.push_back(nullptr);
@@ -49,15 +50,35 @@ void ForwardEndingSignals() {
   _exit(127);
 }
 
-int RunProgram(const std::vector<std::string>& program) {
-  ForwardEndingSignals();
+// Starts the program in a child. From here on a signal ends the program, whose end then is ours:
+// an interrupted run must still remove what it made.
+pid_t StartProgram(const std::vector<std::string>& program) {
   (void)std::fflush(nullptr);
+  LetEndingSignals(SIG_BLOCK);  // until it is known whom to send them on to
   const pid_t child = fork();
-  if (child == 0) { ExecProgram(program); }
+  if (child == 0) {
+    LetEndingSignals(SIG_UNBLOCK);
+    ExecProgram(program);
+  }
   running_program = child;
+  struct sigaction action {};
+  action.sa_handler = ForwardSignal;
+  for (const int signal_number : kEndingSignals) {
+    (void)sigaction(signal_number, &action, nullptr);
+  }
+  return child;
+}
+
+int RunProgram(const std::vector<std::string>& program) {
+  const pid_t child = StartProgram(program);
+  if (child < 0) {
+    std::perror("private Redis: fork");
+    return kInTheWay;
+  }
+  LetEndingSignals(SIG_UNBLOCK);
   int status = 0;
   while (waitpid(child, &status, 0) < 0 && errno == EINTR) {}
-  running_program = 0;
+  LetEndingSignals(SIG_BLOCK);  // what is left is to remove what was made
   return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
@@ -79,6 +100,12 @@ void WaitForTurn() {
 
 int RunOnTheMachine(const PrivateRedisOptions& options, const std::string& refusal,
                     const std::vector<std::string>& program) {
+  const char* above = std::getenv(kPrivateRedisMark);
+  if (above != nullptr && std::string_view(above) == kOnTheMachine) {
+    // It would wait for a turn that ends with ours.
+    (void)std::fputs("private Redis: this already runs on the machine's own names\n", stderr);
+    return kInTheWay;
+  }
   WaitForTurn();
   const std::vector<std::string> in_use = FixedNamesInUse();
   if (!in_use.empty()) {
@@ -89,14 +116,18 @@ int RunOnTheMachine(const PrivateRedisOptions& options, const std::string& refus
     for (const std::string& line : in_use) { (void)std::fprintf(stderr, "  %s\n", line.c_str()); }
     return kInTheWay;
   }
+  (void)setenv(kPrivateRedisMark, kOnTheMachine, 1);
+  LetEndingSignals(SIG_BLOCK);  // while the server starts: then the program gets them
   const int status = RunWithServer(options, program);
   RemoveFixedNames();
   return status;
 }
 
 std::vector<std::string> PathsToKeep(const std::vector<std::string>& program) {
-  std::vector<std::string> keep = {std::filesystem::current_path().string(),
-                                   std::filesystem::read_symlink("/proc/self/exe").string()};
+  std::error_code unknown;  // then there is nothing to keep
+  std::vector<std::string> keep = {
+      std::filesystem::current_path(unknown).string(),
+      std::filesystem::read_symlink("/proc/self/exe", unknown).string()};
   keep.insert(keep.end(), program.begin(), program.end());
   return keep;
 }
@@ -107,8 +138,9 @@ int RunInPrivateRedis(const PrivateRedisOptions& options, const std::vector<std:
   const bool may_enter = options.with_namespace && std::getenv(kNoNamespace) == nullptr;
   const std::string refusal =
       may_enter ? EnterPrivateNamespace(PathsToKeep(program)) : "none was asked for";
-  return refusal.empty() ? RunWithServer(options, program)
-                         : RunOnTheMachine(options, refusal, program);
+  if (!refusal.empty()) { return RunOnTheMachine(options, refusal, program); }
+  (void)setenv(kPrivateRedisMark, kInNamespace, 1);
+  return RunWithServer(options, program);
 }
 
 }  // namespace zephlane::test

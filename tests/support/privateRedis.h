@@ -10,8 +10,11 @@
 
 namespace zephlane::test {
 
-// Set for the program that runs, so that it does not ask for a second server.
+// Set for the program that runs, so that it does not ask for a second server. The value says
+// whether it has a namespace or the machine's own names.
 inline constexpr char kPrivateRedisMark[] = "ZEPHLANE_PRIVATE_REDIS_RUNNING";
+inline constexpr char kInNamespace[] = "in a namespace";
+inline constexpr char kOnTheMachine[] = "on the machine";
 // Set by a user to do without namespaces.
 inline constexpr char kNoNamespace[] = "ZEPHLANE_NO_NAMESPACE";
 

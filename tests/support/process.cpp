@@ -60,6 +60,17 @@ bool IsInLockTableAsWaiting(pid_t pid) {
   return false;
 }
 
+// Whether a signal that was sent has not been taken yet.
+bool IsPending(pid_t pid, int signal_number) {
+  std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+  for (std::string line; std::getline(status, line);) {
+    if (!line.starts_with("SigPnd:") && !line.starts_with("ShdPnd:")) { continue; }
+    const unsigned long long signals = std::stoull(line.substr(sizeof("SigPnd:")), nullptr, 16);
+    if ((signals >> (signal_number - 1) & 1) != 0) { return true; }
+  }
+  return false;
+}
+
 bool HasEnded(pid_t pid) {
   siginfo_t info{};
   (void)waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOHANG | WNOWAIT);
@@ -136,6 +147,12 @@ void ForkedChild::Kill() {
   if (pid_ <= 0) { return; }
   (void)kill(pid_, SIGKILL);
   (void)WaitFor(std::exchange(pid_, -1));
+}
+
+bool ForkedChild::Deliver(int signal_number) const {
+  if (kill(pid_, signal_number) != 0) { return false; }
+  while (IsPending(pid_, signal_number)) { (void)sched_yield(); }
+  return !HasEnded(pid_);
 }
 
 bool ForkedChild::WaitsForLock() const {

@@ -28,7 +28,7 @@ class Gate {
   Gate(const Gate&) = delete;
   Gate& operator=(const Gate&) = delete;
   ~Gate();
-  void Open(int passes = 1);  // a signal handler may call it
+  void Open(int passes = 1);
   void Pass();
   // Whether someone could pass without waiting.
   [[nodiscard]] bool IsOpen() const;
@@ -46,13 +46,13 @@ class ForkedChild {
   ForkedChild& operator=(const ForkedChild&) = delete;
   ~ForkedChild();
 
-  [[nodiscard]] pid_t Pid() const {
-    return pid_;
-  }
   // Waits for the end of the child: what `body` returned, or which signal ended it.
   std::string Result();
   // Ends the child with SIGKILL and waits until it is gone.
   void Kill();
+  // Sends a signal and returns when the child has taken it, so that a wait of the child in the
+  // kernel is over or begun anew; false when the child ended.
+  [[nodiscard]] bool Deliver(int signal_number) const;
   // Returns when the child waits for a record lock; false when it ended without.
   [[nodiscard]] bool WaitsForLock() const;
 

@@ -55,6 +55,7 @@ Console::Console() {
 
 Console::~Console() {
   (void)std::fflush(nullptr);
+  (void)dup2(out_, STDOUT_FILENO);
   (void)close(out_);
   (void)close(err_);
 }
@@ -69,6 +70,8 @@ void Console::Out(std::string_view data) {
 }
 
 void Console::Tell(std::string_view message) {
+  // What the library printed before comes first.
+  (void)std::fflush(stdout);
   Err(fmt::format("zephlane: {}\n", message));
 }
 

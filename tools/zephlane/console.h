@@ -10,9 +10,9 @@
 
 namespace zephlane::tool {
 
-inline constexpr int kDone = 0;
-inline constexpr int kFailed = 1;
-inline constexpr int kBadUsage = 2;
+inline constexpr int kExitDone = 0;
+inline constexpr int kExitFailed = 1;
+inline constexpr int kExitBadUsage = 2;
 
 class Console {
  public:

@@ -5,6 +5,7 @@
 #include <exception>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
@@ -25,14 +26,22 @@ constexpr char kFooter[] =
     "The server is the one at 127.0.0.1:6379, its password is in /tmp/redis.requirepass.\n\n"
     "zephlane VERB --help says more about a verb.";
 
+std::string BadUsage(const CLI::App* app, const CLI::Error& error) {
+  const std::vector<CLI::App*> chosen = app->get_subcommands();
+  const bool no_verb = chosen.empty() && error.get_name() == "RequiredError";
+  return fmt::format("zephlane: {}\nRun zephlane {}--help for more.\n",
+                     no_verb ? "A verb is required" : error.what(),
+                     chosen.empty() ? "" : chosen.front()->get_name() + " ");
+}
+
 void Describe(CLI::App& app, Verb& run) {
   app.require_subcommand(1);
+  app.get_formatter()->label("SUBCOMMAND", "VERB ...");
   app.set_version_flag("--version", std::string("zephlane " ZEPHLANE_VERSION));
   app.footer(kFooter);
-  app.failure_message([](const CLI::App*, const CLI::Error& error) {
-    return fmt::format("zephlane: {}\nRun zephlane --help for more.\n", error.what());
-  });
+  app.failure_message(BadUsage);
   for (auto* add : {AddInterpret, AddTree, AddGet, AddType, AddUuid}) { add(app, run); }
+  for (CLI::App* verb : app.get_subcommands({})) { verb->group("Verbs"); }
 }
 
 // Help and the version are data that was asked for; everything else is bad usage.
@@ -40,9 +49,12 @@ int AfterParsing(const CLI::App& app, const CLI::ParseError& error, Console& con
   std::ostringstream data;
   std::ostringstream messages;
   const int code = app.exit(error, data, messages);
-  console.Out(data.str());
+  std::string text = data.str();
+  // Only some releases of CLI11 end the version in a newline.
+  if (!text.empty() && text.back() != '\n') { text += '\n'; }
+  console.Out(text);
   console.Err(messages.str());
-  return code == 0 ? kDone : kBadUsage;
+  return code == 0 ? kExitDone : kExitBadUsage;
 }
 
 int ParseAndRun(int argc, char** argv, Console& console) {
@@ -59,11 +71,11 @@ int Main(int argc, char** argv) {
   // A reader that is gone and a server that is gone show as failed writes.
   (void)std::signal(SIGPIPE, SIG_IGN);
   Console console;
-  int code = kFailed;
+  int code = kExitFailed;
   try {
     code = ParseAndRun(argc, argv, console);
   } catch (const std::exception& error) { console.Tell(error.what()); }
-  return console.OutFailed() ? kFailed : code;
+  return console.OutFailed() ? kExitFailed : code;
 }
 
 }  // namespace

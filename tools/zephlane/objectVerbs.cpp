@@ -22,7 +22,7 @@ int FailForMissing(Console& console, const Session& session, const std::string& 
   if (StillConnected(console, session.get())) {
     console.Tell(fmt::format("There is no key {} in the store.", Printable(key)));
   }
-  return kFailed;
+  return kExitFailed;
 }
 
 std::string ObjectText(redisContext* ctx, const std::string& key, Kind kind) {
@@ -36,29 +36,29 @@ std::string ObjectText(redisContext* ctx, const std::string& key, Kind kind) {
 
 int Get(Console& console, const std::string& key) {
   const Session session = OpenSession(console);
-  if (!session) { return kFailed; }
+  if (!session) { return kExitFailed; }
   const Kind kind = KindOf(session.get(), key);
   const std::string type = kind == Kind::kOther ? TypeWord(session.get(), key) : "";
   if (type == kNone) { return FailForMissing(console, session, key); }
   if (!type.empty() && type != kString) {
     console.Tell(fmt::format("{} is a {}; only hashes, sets, lists and strings can be shown.",
                              Printable(key), type));
-    return kFailed;
+    return kExitFailed;
   }
   const std::string text = type == kString ? ReadString(session.get(), key) + "\n"
                                            : ObjectText(session.get(), key, kind);
-  if (!StillConnected(console, session.get())) { return kFailed; }
+  if (!StillConnected(console, session.get())) { return kExitFailed; }
   console.Out(text);
-  return kDone;
+  return kExitDone;
 }
 
 int Type(Console& console, const std::string& key) {
   const Session session = OpenSession(console);
-  if (!session) { return kFailed; }
+  if (!session) { return kExitFailed; }
   const std::string word = TypeWord(session.get(), key);
   if (word == kNone) { return FailForMissing(console, session, key); }
   console.Out(word + "\n");
-  return kDone;
+  return kExitDone;
 }
 
 void AddKeyVerb(CLI::App& app, Verb& run, int (*verb)(Console&, const std::string&),
@@ -75,19 +75,21 @@ void AddKeyVerb(CLI::App& app, Verb& run, int (*verb)(Console&, const std::strin
 }  // namespace
 
 void AddGet(CLI::App& app, Verb& run) {
-  AddKeyVerb(app, run, Get, "get",
-             "Print one object: the fields of a hash as \"field = value\", the members of a set,\n"
-             "the items of a list in their order, the value of a string",
-             "Example:\n"
-             "  zephlane get zephlaneVariable");
+  AddKeyVerb(
+      app, run, Get, "get", "Print one object as it is stored",
+      "Prints the fields of a hash as \"field = value\" and the members of a set, both sorted,\n"
+      "the items of a list in their order, or the value of a string.\n\n"
+      "Example:\n"
+      "  zephlane get ZephlaneSchemaTitleUuidHash");
 }
 
 void AddType(CLI::App& app, Verb& run) {
-  AddKeyVerb(app, run, Type, "type",
-             "Print the type of a key: hash, set, list or another of Redis' words",
-             "It fails when there is no such key.\n\n"
-             "Example:\n"
-             "  zephlane type ZephlaneSchemaInstances");
+  AddKeyVerb(
+      app, run, Type, "type", "Print the type of a key",
+      "Prints hash, set, list or another of Redis' words, such as string. It fails when there\n"
+      "is no such key.\n\n"
+      "Example:\n"
+      "  zephlane type ZephlaneSchemaInstances");
 }
 
 }  // namespace zephlane::tool

@@ -43,7 +43,8 @@ Relay::~Relay() {
 
 void Relay::Run() {
   const auto period = in_place_ ? kPeriodInPlace : kPeriodOfLines;
-  auto due = Clock::now();
+  ShowStatus();
+  auto due = Clock::now() + period;
   for (;;) {
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(due - Clock::now());
     pollfd input{read_end_, POLLIN, 0};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "storeCount.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <string>

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <deque>
 #include <string_view>
 #include <unordered_map>
@@ -15,7 +16,8 @@ namespace zephlane::tool {
 
 namespace {
 
-// Fields that say what an object is; following them leads out of it.
+// Fields that say what an object is; following them leads out of it. In a schema, all but the first
+// are names of properties.
 constexpr std::array<std::string_view, 3> kNeverFollowed = {"typeId", "typeID", "UUID"};
 // A schema's reference to its own main definition, which reads better among the definitions.
 constexpr char kReferenceField[] = "$ref";
@@ -72,7 +74,7 @@ class TreeLoader {
       for (Pair& pair : ReadObject(ctx_, next.key, object.kind)) {
         object.entries.push_back({std::move(pair.name), std::move(pair.value), Shown::kPlain});
         TreeEntry& entry = object.entries.back();
-        if (!object.is_cut) { entry.shown = HowShown(entry); }
+        if (!object.is_cut) { entry.shown = HowShown(next.key, object, entry); }
       }
       // Lists are shown in their order, whatever their items are.
       if (object.kind != Kind::kList) {
@@ -96,15 +98,21 @@ class TreeLoader {
     }
   }
 
-  Shown HowShown(const TreeEntry& entry) {
+  Shown HowShown(const std::string& holder, const TreeObject& object, const TreeEntry& entry) {
     const auto schema = schemas_.find(entry.value);
-    if (std::find(kNeverFollowed.begin(), kNeverFollowed.end(), entry.name) !=
-        kNeverFollowed.end()) {
-      return schema != schemas_.end() && entry.value != model_.root ? Shown::kNamed : Shown::kPlain;
+    if (IsNeverFollowed(object, entry.name)) {
+      return schema != schemas_.end() && entry.value != holder ? Shown::kNamed : Shown::kPlain;
     }
     if (Type(entry.value) == Kind::kOther) { return Shown::kPlain; }
     const bool of_other_schema = schema != schemas_.end() && schema->second.root != own_schema_;
     return of_other_schema && !range_.all ? Shown::kNamed : Shown::kElsewhere;
+  }
+
+  static bool IsNeverFollowed(const TreeObject& object, const std::string& field) {
+    const auto count =
+        static_cast<std::ptrdiff_t>(object.is_schema_node ? 1 : kNeverFollowed.size());
+    const auto end = kNeverFollowed.begin() + count;
+    return std::find(kNeverFollowed.begin(), end, field) != end;
   }
 
   Kind Type(const std::string& key) {

@@ -18,7 +18,4 @@ struct TreeStyle {
 
 [[nodiscard]] std::string TreeText(const TreeModel& model, const TreeStyle& style);
 
-// The type of a schema node as its file gives it: stored lists of types have no separator.
-[[nodiscard]] std::string SchemaTypeText(const std::string& stored);
-
 }  // namespace zephlane::tool

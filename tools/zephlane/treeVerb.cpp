@@ -31,7 +31,7 @@ constexpr char kFooter[] =
     "What belongs to another schema is named (→) and not expanded, unless --all is given.\n\n"
     "Examples:\n"
     "  zephlane tree 00000000-0000-0000-0001-ffffffffffff --depth 2\n"
-    "  zephlane tree Chassis";
+    "  zephlane tree Chassis.1.0.0";
 
 bool WantsColours(const Console& console) {
   const char* refusal = std::getenv("NO_COLOR");
@@ -48,19 +48,19 @@ std::string FindRoot(redisContext* ctx, const std::string& key) {
 
 int Tree(Console& console, const TreeOptions& options) {
   const Session session = OpenSession(console);
-  if (!session) { return kFailed; }
+  if (!session) { return kExitFailed; }
   const std::string root = FindRoot(session.get(), options.key);
   if (root.empty()) {
     if (StillConnected(console, session.get())) {
       console.Tell(fmt::format("{} is neither a hash, a set or a list nor the title of a schema.",
                                Printable(options.key)));
     }
-    return kFailed;
+    return kExitFailed;
   }
   const TreeModel model = LoadTree(session.get(), root, options.range);
-  if (!StillConnected(console, session.get())) { return kFailed; }
+  if (!StillConnected(console, session.get())) { return kExitFailed; }
   console.Out(TreeText(model, {WantsColours(console), options.whole_keys}));
-  return kDone;
+  return kExitDone;
 }
 
 }  // namespace

@@ -15,8 +15,7 @@ namespace {
 
 constexpr unsigned kMostUuids = 1'000'000;
 
-void TellNoUuid(Console& console, const Session& session, const std::string& reached) {
-  if (!StillConnected(console, session.get())) { return; }
+void TellNoUuid(Console& console, const std::string& reached) {
   // The buffer holds the maximum when the counter has come to it, and nothing when a lock failed.
   console.Tell(reached.empty()
                    ? std::string("No UUID could be drawn: /tmp/uuidLock.dat cannot be locked.")
@@ -27,16 +26,19 @@ void TellNoUuid(Console& console, const Session& session, const std::string& rea
 
 int Uuid(Console& console, unsigned count) {
   const Session session = OpenSession(console);
-  if (!session) { return kFailed; }
+  if (!session) { return kExitFailed; }
   for (unsigned i = 0; i < count && !console.OutFailed(); ++i) {
     char uuid[ZEPHLANE_ID_SIZE] = "";
-    if (zephlaneGenerateUUID(session.get(), uuid) != 0) {
-      TellNoUuid(console, session, uuid);
-      return kFailed;
+    const bool drawn = zephlaneGenerateUUID(session.get(), uuid) == 0;
+    // A UUID that could not be stored counts as drawn, but is not kept from others.
+    if (!StillConnected(console, session.get())) { return kExitFailed; }
+    if (!drawn) {
+      TellNoUuid(console, uuid);
+      return kExitFailed;
     }
     console.Out(fmt::format("{}\n", uuid));
   }
-  return StillConnected(console, session.get()) ? kDone : kFailed;
+  return kExitDone;
 }
 
 }  // namespace

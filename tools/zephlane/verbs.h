@@ -13,7 +13,7 @@
 
 namespace zephlane::tool {
 
-// Does what was asked for; kDone or kFailed.
+// Does what was asked for; kExitDone or kExitFailed.
 using Verb = std::function<int(Console&)>;
 
 void AddInterpret(CLI::App& app, Verb& run);
