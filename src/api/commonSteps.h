@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <initializer_list>
+#include <string_view>
 #include <utility>
 
 #include <hiredis/hiredis.h>
@@ -14,6 +15,7 @@
 #include "redis/reply.h"
 #include "support/owners.h"
 #include "support/report.h"
+#include "support/text.h"
 
 #include <zephlaneAPI/commands.h>
 #include <zephlaneAPI/types.h>
@@ -77,6 +79,26 @@ namespace zephlane {
     return nullptr;
   }
   return strings.Release();
+}
+
+// The members of a set in Redis's order, counted first and then read; null when there are none, or
+// when the set changed in between.
+[[nodiscard]] inline CArray<SetData> ReadMembers(redisContext* ctx, const char* set_key,
+                                                 unsigned int* out_count) {
+  if (getInstanceCount(ctx, set_key, out_count) != 0) { return nullptr; }
+  CArray<SetData> members = ZeroedArray<SetData>(*out_count);
+  if (!members || getInstance(ctx, set_key, *out_count, members.get()) != 0) { return nullptr; }
+  return members;
+}
+
+// Room for what is published on the fixed channels: 98 characters.
+inline constexpr std::size_t kChannelTextSize = 99;
+
+// Publishes a text cut to 98 characters: what subscribers of the fixed channels have room for.
+[[nodiscard]] inline int PublishCut(redisContext* ctx, const char* channel, std::string_view text) {
+  char message[kChannelTextSize];
+  CopyCut(message, text);
+  return publishToChannel(ctx, channel, message);
 }
 
 // The first of `count` object IDs whose hash holds `value` in `field`; null when none does.

@@ -185,9 +185,8 @@ int zephlaneDeleteHashByField(redisContext* ctx, const char* aCollectionKey, con
     return kFailed;
   }
   unsigned int count = 0;
-  if (getInstanceCount(ctx, set_key, &count) != kDone) { return kFailed; }
-  const CArray<SetData> members = zephlane::ZeroedArray<SetData>(count);
-  if (!members || getInstance(ctx, set_key, count, members.get()) != kDone) { return kFailed; }
+  const CArray<SetData> members = zephlane::ReadMembers(ctx, set_key, &count);
+  if (!members) { return kFailed; }
   const SetData* match = zephlane::FirstMatch(ctx, members.get(), count, aFieldName, aValue);
   if (!match) { return kFailed; }
   zephlane::DeleteCompanion(ctx, match->aObjectID);

@@ -24,6 +24,19 @@ inline constexpr char kMaximumUuidField[] = "maximumUUID";
 inline constexpr char kMessagePropertyField[] = "RuxoMessage";
 inline constexpr char kRootServices[] = "ZephlaneRootServices";
 
+inline constexpr char kAutoEventId[] = "autoEventID";
+
+// Annotation and events
+inline constexpr char kTypeIdAnnotation[] = "typeID";
+inline constexpr char kCollectionMemberTypes[] = "schemaTypeIdMembersMapping";
+inline constexpr char kEventOccurredChannel[] = "EVENT_OCCURRED";
+inline constexpr char kTaskStateChannel[] = "TASK_STATE_CHANGE";
+inline constexpr char kTreeUpdateChannel[] = "WebServiceUpdateTree";
+
+// Deadlines and scripts
+inline constexpr char kExpiredTimes[] = "keyExpiredTime";
+inline constexpr char kScriptHashes[] = "redisSHAScripts";
+
 // Hash tree
 inline constexpr char kSchemaInstances[] = "ZephlaneSchemaInstances";
 inline constexpr char kSchemaTitles[] = "ZephlaneSchemaTitleUuidHash";
