@@ -66,6 +66,7 @@ install_packages() (
 keep_redis_service_off() {
   update-rc.d redis-server disable >/dev/null 2>&1 || true
   service redis-server stop >/dev/null 2>&1 || true
+  printf 'The redis-server service is left off: only the program is needed.\n'
 }
 
 # configure PRESET: into build/PRESET, anew when that was configured for a tree at another place.

@@ -255,27 +255,32 @@ TEST_F(Driver, DeeperDocumentDoesNotLoad) {
   EXPECT_EQ(Dump(), "");
 }
 
-// In a thread with a small stack the run fails with a report instead of overrunning it.
-TEST_F(Driver, DeepDocumentFailsOnASmallStack) {
-  WriteSchema("Root.json", NestedObjects(JSON_PARSER_MAX_DEPTH));
-  int result = -1;
+// A run in a thread with a stack of `size` bytes.
+Outcome InterpretOnStack(std::size_t size) {
+  Outcome run;
   const Output printed = Capture([&] {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, 256 * 1024);
+    pthread_attr_setstacksize(&attributes, size);
+    const auto interpret = [](void* result) -> void* {
+      *static_cast<int*>(result) = zephlaneSchemaInterpreter(kRootSchema);
+      return nullptr;
+    };
     pthread_t thread;
-    pthread_create(
-        &thread, &attributes,
-        [](void* out) -> void* {
-          *static_cast<int*>(out) = zephlaneSchemaInterpreter(kRootSchema);
-          return nullptr;
-        },
-        &result);
+    pthread_create(&thread, &attributes, interpret, &run.result);
     pthread_join(thread, nullptr);
     pthread_attr_destroy(&attributes);
   });
-  EXPECT_EQ(result, 1);
-  EXPECT_NE(printed.err.find("Schemas are nested too deeply for the stack !!!"), std::string::npos);
+  run.err = Masked(printed.err);
+  return run;
+}
+
+// On a small stack the run fails with a report instead of overrunning it.
+TEST_F(Driver, DeepDocumentFailsOnASmallStack) {
+  WriteSchema("Root.json", NestedObjects(JSON_PARSER_MAX_DEPTH));
+  const Outcome run = InterpretOnStack(256 * 1024);
+  EXPECT_EQ(run.result, 1);
+  EXPECT_NE(run.err.find("Schemas are nested too deeply for the stack !!!"), std::string::npos);
 }
 
 TEST_F(Driver, SchemaNameOf199CharactersIsFollowedAnd200Refused) {
@@ -439,50 +444,75 @@ TEST_F(AnsweredDriver, FailedTitleIndexIsReported) {
                          Report("hashTreeCreateSchemaTitleUUIDMapping fail !!!"));
 }
 
-// The connection ends at each command of a run in turn. Only the reads after the first command of
-// the title index may be lost without failing the run.
-TEST_F(AnsweredDriver, ConnectionLostAtAnyCommandEndsTheRun) {
-  WriteSchema("Root.json", R"({"title": "Root", "required": ["x"], "not": {"type": "null"}})");
-  bool is_complete = false;
-  for (int lost = 1; !is_complete; ++lost) {
-    SCOPED_TRACE(lost);
-    int sent = 0;
-    bool has_index = false;
-    const Outcome run =
-        InterpretAnswered([&](const std::string& command) -> std::optional<std::string> {
-          if (++sent == lost) { return ""; }
-          has_index = has_index || command == "HMSET ZephlaneSchemaTitleUuidHash";
-          return std::nullopt;
-        });
-    EXPECT_EQ(run.result, has_index ? 0 : 1);
-    is_complete = sent < lost;
-    ASSERT_LT(lost, 200);
+// A run whose connection ends at the command number `lost`, and how far it came.
+struct LostRun {
+  int result = -1;
+  int sent = 0;
+  bool has_index = false;
+};
+
+LostRun InterpretLosing(int lost) {
+  LostRun run;
+  const auto answer = [&](const std::string& command) -> std::optional<std::string> {
+    if (++run.sent == lost) { return ""; }
+    run.has_index = run.has_index || command == "HMSET ZephlaneSchemaTitleUuidHash";
+    return std::nullopt;
+  };
+  {
+    const AnsweringServer server(answer);  // its end is the end of its thread
+    run.result = InterpretOnce(kRootSchema).result;
   }
+  return run;
 }
 
-// Memory runs out at each allocation of a run in turn, for that one call and for all after it.
+// Only what follows the first command of the title index may be lost without failing the run.
+TEST_F(AnsweredDriver, ConnectionLostAtAnyCommandEndsTheRun) {
+  WriteSchema("Root.json", R"({"title": "Root", "required": ["x"], "not": {"type": "null"}})");
+  for (int lost = 1; lost < 200; ++lost) {
+    SCOPED_TRACE(lost);
+    const LostRun run = InterpretLosing(lost);
+    EXPECT_EQ(run.result, run.has_index ? 0 : 1);
+    if (run.sent < lost) { return; }
+  }
+  FAIL() << "the run does not end";
+}
+
+// A run during which memory is out, and what it prints.
+struct StarvedRun {
+  int result = -1;
+  bool has_happened = true;
+  std::string errors;
+};
+
+StarvedRun InterpretStarved(int allocation, bool and_all_after) {
+  StarvedRun run;
+  const long open = OpenDescriptors();
+  const Output printed = Capture([&] {
+    AllocationFault fault(allocation, and_all_after);
+    run.result = zephlaneSchemaInterpreter(kRootSchema);
+    run.has_happened = fault.Happened();
+  });
+  EXPECT_EQ(OpenDescriptors(), open);
+  run.errors = Masked(printed.err);
+  return run;
+}
+
+// Memory runs out at each allocation of a run in turn, for that one call or for all after it too.
 class StarvedDriver : public Driver, public testing::WithParamInterface<bool> {};
 
 TEST_P(StarvedDriver, NeverCrashesAndLeavesNothingOpen) {
   WriteSchema("Root.json", R"({"title": "Root", "required": ["x"], "type": ["a", "b"],
       "items": {"$ref": "A.json#/definitions/X"}, "not": {"$ref": "#"}})");
   WriteSchema("A.json", R"({"definitions": {"X": {"anyOf": [{"type": "null"}]}}})");
-  bool has_happened = true;
+  StarvedRun run;
   std::string errors;
-  for (int n = 1; has_happened; ++n) {
-    SCOPED_TRACE(n);
+  for (int allocation = 1; run.has_happened; ++allocation) {
+    SCOPED_TRACE(allocation);
     Ask({"FLUSHALL"});
-    int result = -1;
-    const long open = OpenDescriptors();
-    const Output printed = Capture([&] {
-      AllocationFault fault(n, GetParam());
-      result = zephlaneSchemaInterpreter(kRootSchema);
-      has_happened = fault.Happened();
-    });
-    EXPECT_EQ(OpenDescriptors(), open);
-    EXPECT_TRUE(has_happened ? result == 0 || result == 1 : result == 0);
-    errors += Masked(printed.err);
-    ASSERT_LT(n, 2000);
+    run = InterpretStarved(allocation, GetParam());
+    errors += run.errors;
+    EXPECT_TRUE(run.result == 0 || (run.result == 1 && run.has_happened));
+    ASSERT_LT(allocation, 2000);
   }
   const std::string route = Report("malloc: parser tracking spot");
   EXPECT_NE(errors.find(route + Report("Internalize schema data into Redis cache failed !!!")),

@@ -439,4 +439,40 @@ TEST(PropertyPaths, LengthOf199IsTakenAnd200Refused) {
             Reports({"Length of path to destination proertyis out of buffer size !!!"}));
 }
 
+// The steps for references with a '#', beyond the length that parseResourcePath() lets through.
+TEST(LongReferences, FileOf2400CharactersIsRefused) {
+  ResourcePath parts{};
+  const std::string file(2400, 'f');
+  const Output printed =
+      Capture([&] { EXPECT_EQ(zephlane::SplitFileReference((file + "#").c_str(), &parts), 1); });
+  EXPECT_EQ(Masked(printed.err), Reports({"Reference path length is too long ......... !!!"}));
+}
+
+TEST(LongReferences, FileOf2399CharactersIsLookedAt) {
+  ResourcePath parts{};
+  const std::string file = Repeat(2394, 'f') + ".json";
+  const Output printed =
+      Capture([&] { EXPECT_EQ(zephlane::SplitFileReference((file + "#").c_str(), &parts), 1); });
+  EXPECT_EQ(Masked(printed.err), Reports({"Length of schema name is out of buffer size",
+                                          "Failed to extract schema name: " + file + "#"}));
+}
+
+TEST(LongReferences, FileOf2400CharactersBeforeAPointerIsRefused) {
+  ResourcePath parts{};
+  const std::string reference = Repeat(2400, 'f') + "#/a";
+  const Output printed =
+      Capture([&] { EXPECT_EQ(zephlane::SplitPointerReference(reference.c_str(), &parts), 1); });
+  EXPECT_EQ(Masked(printed.err),
+            Reports({"Reference former is out of range !!!", "--> " + reference}));
+}
+
+TEST(LongReferences, FileOf2399CharactersBeforeAPointerIsLookedAt) {
+  ResourcePath parts{};
+  const std::string reference = Repeat(2394, 'f') + ".json#/a";
+  const Output printed =
+      Capture([&] { EXPECT_EQ(zephlane::SplitPointerReference(reference.c_str(), &parts), 1); });
+  EXPECT_EQ(Masked(printed.err), Reports({"Length of schema name is out of buffer size",
+                                          "Failed to extract schema name: " + reference}));
+}
+
 }  // namespace
