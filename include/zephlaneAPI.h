@@ -24,6 +24,7 @@
 
 #include <zephlaneAPI/commands.h>
 #include <zephlaneAPI/connection.h>
+#include <zephlaneAPI/hashTree.h>
 #include <zephlaneAPI/identity.h>
 #include <zephlaneAPI/interpreter.h>
 #include <zephlaneAPI/lists.h>
