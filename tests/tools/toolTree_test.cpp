@@ -309,6 +309,16 @@ TEST_F(ToolSchemaTree, ReferencesFoundBehindReferencesAreExpandedToo) {
                                                        "      └─ $ref: null\n"));
 }
 
+TEST_F(ToolSchemaTree, DefinitionThatIsAReferenceIsNamedAfterItsTarget) {
+  Ask({"HSET", Hash(2), "Alias", Hash(0xc), "Whole", Hash(0xa)});
+  Ask({"HSET", Hash(0xb), "Back", Hash(4)});
+  const ToolRun run = RunTool({"tree", "Fan.1.0.0"});
+  EXPECT_THAT(run.out, HasSubstr("   ├─ Alias → Common.1.0.0/Id\n"));
+  EXPECT_THAT(run.out, HasSubstr("   └─ Whole → Common.1.0.0\n"));
+  EXPECT_THAT(RunTool({"tree", "Common.1.0.0"}).out,
+              EndsWith("   ├─ Back → Fan.1.0.0/Mode\n   └─ Id: string (maxLength = 64)\n"));
+}
+
 TEST_F(ToolSchemaTree, InstanceSaysOfWhichTypeItIs) {
   Ask({"HSET", kFan1, "Name", "Front", "typeID", Hash(3)});
   ExpectTree({kFan1}, std::string("Front: hash ") + kFan1 +
