@@ -18,6 +18,9 @@ if(ZEPHLANE_SANITIZE)
   target_compile_options(zephlane_flags INTERFACE
     -fsanitize=${ZEPHLANE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(zephlane_flags INTERFACE -fsanitize=${ZEPHLANE_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")  # its guesses go wrong in instrumented code
+    target_compile_options(zephlane_flags INTERFACE -Wno-maybe-uninitialized)
+  endif()
 else()
   # Hardening; the sanitizers check more of their own. The C library checks buffer sizes only in
   # optimised builds.

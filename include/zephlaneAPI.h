@@ -27,6 +27,7 @@
 #include <zephlaneAPI/connection.h>
 #include <zephlaneAPI/events.h>
 #include <zephlaneAPI/expiry.h>
+#include <zephlaneAPI/hashTree.h>
 #include <zephlaneAPI/hooks.h>
 #include <zephlaneAPI/identity.h>
 #include <zephlaneAPI/interpreter.h>

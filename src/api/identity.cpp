@@ -118,7 +118,7 @@ int fileLock(int fd, int cmd, short type) {
 }
 
 int processLock(const char* path) {
-  zephlane::Descriptor file(open(path, O_RDWR | O_CREAT, 0644));
+  zephlane::Descriptor file(path ? open(path, O_RDWR | O_CREAT, 0644) : zephlane::kNotLocked);
   if (!file) {
     ApiError{}("open lock file failed\n");
     return zephlane::kNotLocked;

@@ -160,7 +160,7 @@ bool PathWalk::Fill(Replacement* replacement) const {
 
 enum class WalkResult { kDone, kFailed, kOutOfMemory };
 
-WalkResult WalkPath(redisContext* ctx, const char* root_id, const char* property_path,
+WalkResult WalkPath(redisContext* ctx, std::string_view root_id, std::string_view property_path,
                     Replacement* replacement) {
   return Guarded(WalkResult::kOutOfMemory, [&] {
     PathWalk walk(ctx, root_id, property_path);
@@ -248,7 +248,8 @@ CRecord<Replacement> getReferencePathReplaceData(redisContext* ctx,
     InterpreterError{kSource, 225}("schema hash id length is too long !!!\n");
     return nullptr;
   }
-  switch (WalkPath(ctx, root_id, resource_path->propertyPath, replacement.get())) {
+  const std::string_view property_path = BoundedText(resource_path->propertyPath);
+  switch (WalkPath(ctx, root_id, property_path, replacement.get())) {
     case WalkResult::kDone:
       return replacement;
     case WalkResult::kOutOfMemory:

@@ -8,6 +8,7 @@
 
 #include "interpreter/hashTreeOperation.h"
 #include "interpreter/resourcePathParser.h"
+#include "interpreter/stackRoom.h"
 #include "interpreter/zephlaneSchemaInterpreter.h"
 #include "support/owners.h"
 #include "support/report.h"

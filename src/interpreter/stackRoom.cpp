@@ -3,11 +3,12 @@
 // The parsers call themselves for nested objects and for the schema files that references name. A
 // chain of thousands of files, each nested deeply, would run over any stack: the parsers ask here
 // before they descend, and fail instead.
+#include "interpreter/stackRoom.h"
+
 #include <pthread.h>
 
 #include <cstdint>
 
-#include "interpreter/zephlaneSchemaInterpreter.h"
 #include "support/report.h"
 
 namespace zephlane {

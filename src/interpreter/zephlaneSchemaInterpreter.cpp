@@ -12,6 +12,7 @@
 
 #include "interpreter/hashTreeOperation.h"
 #include "interpreter/referenceLinking.h"
+#include "interpreter/stackRoom.h"
 #include "interpreter/typeNames.h"
 #include "support/guard.h"
 #include "support/owners.h"

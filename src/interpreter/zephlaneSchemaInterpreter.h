@@ -25,8 +25,4 @@ inline void PushRoute(ParseContext* context, const char* name) {
   return parserRouteDeleteEnd(&context->routeMap, name) == 0;
 }
 
-// Whether so little of the thread's stack is left that a parser must not descend further. Says so
-// in a report of `source`.
-[[nodiscard]] bool StackIsUsedUp(const char* source);
-
 }  // namespace zephlane

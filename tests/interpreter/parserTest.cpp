@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "interpreter/parserTest.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -88,6 +89,14 @@ std::string SchemaReport(const std::string& text) {
 
 std::string PathReport(const std::string& text) {
   return InterpreterReport("resourcePathParser.cpp", text);
+}
+
+std::string Quoted(const std::string& text) {
+  return "\"" + text + "\"";
+}
+
+std::string FullTable() {
+  return TreeReport("Hash object collection table is out of room !");
 }
 
 std::string TooLongPair(const std::string& field, const std::string& value) {

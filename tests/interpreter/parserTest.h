@@ -28,10 +28,10 @@ struct Outcome {
   std::string errors;
 };
 
+Outcome Observe(const std::function<int()>& call);
+
 // The text of a heap string, which is freed.
 std::string Taken(char* text);
-
-Outcome Observe(const std::function<int()>& call);
 
 std::string ObjectReport(int line, const std::string& text);
 std::string ArrayReport(int line, const std::string& text);
@@ -40,6 +40,11 @@ std::string LinkingReport(int line, const std::string& text);
 std::string TreeReport(const std::string& text);
 std::string SchemaReport(const std::string& text);
 std::string PathReport(const std::string& text);
+// In double quotes.
+std::string Quoted(const std::string& text);
+
+// What creating a hash or set prints when every slot for created objects is taken.
+std::string FullTable();
 // What a pair prints that is too long for the store.
 std::string TooLongPair(const std::string& field, const std::string& value);
 // What a reference prints that names no schema file.
@@ -75,10 +80,12 @@ class ParserTest : public StoreTest {
   // A value that lives as long as the case.
   json_t* Value(const std::string& text);
   json_t* Text(const std::string& text);
+  // Gives the schema in hand another name, which is not registered.
   void NameSchema(const std::string& name);
   static void WriteSchema(const std::string& name, const std::string& text);
   // Interprets `text` as the document of the schema in hand.
   Outcome ParseRoot(const std::string& text);
+  // Interprets `text` as the object that member `name` of the document holds.
   Outcome ParseMember(const std::string& name, const std::string& text);
   // A new set of the tree, with the dummy member only: S0 for the first one.
   std::string NewSet();
@@ -95,6 +102,7 @@ class ParserTest : public StoreTest {
   [[nodiscard]] std::string Short(const std::string& text) const;
   // The whole ID of a short one.
   [[nodiscard]] std::string Long(const std::string& id) const;
+  // A field of hash H0, H1 ..., shortened; "(nil)" without one.
   std::string Field(const std::string& id, const std::string& field);
   // Where the route stands.
   std::string Route();

@@ -15,6 +15,7 @@ namespace {
 
 using zephlane::PlaceholderLocation;
 using zephlane::Replacement;
+using zephlane::test::ExtensionReport;
 using zephlane::test::LinkingReport;
 using zephlane::test::Observe;
 using zephlane::test::Outcome;
@@ -460,8 +461,12 @@ TEST_F(ReferencePath, StepOf199CharactersIsTheLongest) {
   ASSERT_EQ(Ask({"HSET", Root(), std::string(199, 'x'), "value"}), "1");
   ResourcePath path = Pointer(199);
   EXPECT_EQ(Resolve(&path).result, 0);
-  path = Pointer(200);
-  const Outcome outcome = Resolve(&path);
+  // A pointer that fills its buffer ends with it.
+  const struct {
+    ResourcePath path;
+    char end;
+  } full = {Pointer(200), '\0'};
+  const Outcome outcome = Resolve(&full.path);
   EXPECT_EQ(outcome.result, 1);
   EXPECT_EQ(outcome.errors, LinkingReport(275, "Path token length is too long !!!"));
 }
@@ -652,10 +657,10 @@ TEST_F(LinkingAfterParsing, MessageParametersAreFoundThroughFlattenedProperties)
       R"({"properties": {"Reading": {"type": "number"}},
           "Messages": {"type": "object",
                        "values": [{"id": "1", "Param": ["#/properties/Reading/type"]}]}})");
-  EXPECT_EQ(parse_errors_, zephlane::test::ExtensionReport(
-                               247,
-                               "[Warning] Type information from "
-                               "<Thing.json#/properties/Reading/type> not found while parsing"));
+  EXPECT_EQ(parse_errors_,
+            ExtensionReport(247,
+                            "[Warning] Type information from "
+                            "<Thing.json#/properties/Reading/type> not found while parsing"));
   EXPECT_EQ(outcome.errors, "");
   EXPECT_EQ(Ask({"HGETALL", Long("H2")}), "id\n1\n#/properties/Reading/type\nnumber");
 }

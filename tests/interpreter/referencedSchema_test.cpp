@@ -7,6 +7,7 @@
 
 namespace {
 
+using zephlane::test::FullTable;
 using zephlane::test::ObjectReport;
 using zephlane::test::Observe;
 using zephlane::test::Outcome;
@@ -106,12 +107,11 @@ TEST_F(SchemaRootHash, GivenTwiceFails) {
 
 TEST_F(SchemaRootHash, FailsWhenNoHashCanBeMade) {
   FillObjectTable();
-  const std::string full = TreeReport("Hash object collection table is out of room !");
   std::string errors;
   EXPECT_EQ(Generate("{}", &errors), "(null)");
-  EXPECT_EQ(errors, full + SchemaReport("Failed to creat root object hash !!!"));
+  EXPECT_EQ(errors, FullTable() + SchemaReport("Failed to creat root object hash !!!"));
   EXPECT_EQ(Generate("{\"typeId\": \"" + std::string(kUuid) + "\"}", &errors), "(null)");
-  EXPECT_EQ(errors, full + SchemaReport("Create type schema hash failed"));
+  EXPECT_EQ(errors, FullTable() + SchemaReport("Create type schema hash failed"));
 }
 
 TEST_F(SchemaRootHash, NullArgumentsAreReported) {

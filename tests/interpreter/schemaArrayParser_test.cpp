@@ -8,26 +8,23 @@
 namespace {
 
 using zephlane::test::ArrayReport;
+using zephlane::test::FullTable;
 using zephlane::test::NoSchemaFile;
 using zephlane::test::ObjectReport;
 using zephlane::test::Observe;
 using zephlane::test::Outcome;
 using zephlane::test::ParserTest;
+using zephlane::test::Quoted;
 using zephlane::test::ReportsOfAllocationFaults;
 using zephlane::test::SchemaReport;
 using zephlane::test::ScriptedServer;
 using zephlane::test::TooLongPair;
-using zephlane::test::TreeReport;
 using zephlane::test::WillAddMember;
 using zephlane::test::WillCreateSet;
 using zephlane::test::WillWritePair;
 
 const std::string kNestedArray =
     ArrayReport(454, "EXCEPTION!!! Array contains element array is not supportted");
-
-std::string Quoted(const std::string& text) {
-  return "\"" + text + "\"";
-}
 
 class SchemaArray : public ParserTest {
  protected:
@@ -240,8 +237,7 @@ TEST_F(SchemaArray, FailsWhenNoSetCanBeMade) {
   FillObjectTable();
   const Outcome outcome = Parse("enum", "[]");
   EXPECT_EQ(outcome.result, 1);
-  EXPECT_EQ(outcome.errors, TreeReport("Hash object collection table is out of room !") +
-                                ArrayReport(543, "Failed to create new set!!!"));
+  EXPECT_EQ(outcome.errors, FullTable() + ArrayReport(543, "Failed to create new set!!!"));
 }
 
 TEST_F(SchemaArray, FailsWhenItsParentCannotNameIt) {

@@ -13,11 +13,13 @@
 namespace {
 
 using zephlane::test::ExtensionReport;
+using zephlane::test::FullTable;
 using zephlane::test::LinkingReport;
 using zephlane::test::Observe;
 using zephlane::test::Outcome;
 using zephlane::test::ParserTest;
 using zephlane::test::PathReport;
+using zephlane::test::Quoted;
 using zephlane::test::ReportsOfAllocationFaults;
 using zephlane::test::ScriptedServer;
 using zephlane::test::Taken;
@@ -28,10 +30,6 @@ using zephlane::test::WillWritePair;
 
 constexpr char kUuid[] = "1c9d2e3f-aaaa-bbbb-cccc-0123456789ab";
 constexpr char kNotFound[] = "Type Not Found";
-
-std::string Quoted(const std::string& text) {
-  return "\"" + text + "\"";
-}
 
 std::string NullArgument(int line, const std::string& function) {
   return ExtensionReport(line, function + ": Argument is NULL !!!");
@@ -390,8 +388,7 @@ TEST_F(Messages, FailWhenNoSetCanBeMade) {
   FillObjectTable();
   const Outcome outcome = Parse(R"({"type": "object", "values": []})");
   EXPECT_EQ(outcome.result, 1);
-  EXPECT_EQ(outcome.errors, TreeReport("Hash object collection table is out of room !") +
-                                ExtensionReport(581, "create new set table faile !!!!"));
+  EXPECT_EQ(outcome.errors, FullTable() + ExtensionReport(581, "create new set table faile !!!!"));
 }
 
 TEST_F(Messages, FailWhenTheirPropertyCannotBeWritten) {
@@ -455,8 +452,8 @@ TEST_F(Messages, FailWhenNoHashCanBeMade) {
   FillObjectTable();
   const Outcome outcome = ParseValues(R"([{"id": "1"}])", set);
   EXPECT_EQ(outcome.result, 1);
-  EXPECT_EQ(outcome.errors, TreeReport("Hash object collection table is out of room !") +
-                                ExtensionReport(482, "<id : 1> insert pair into hash failed!!"));
+  EXPECT_EQ(outcome.errors,
+            FullTable() + ExtensionReport(482, "<id : 1> insert pair into hash failed!!"));
 }
 
 TEST_F(Messages, MembersOfOtherTypesAreLeftOut) {

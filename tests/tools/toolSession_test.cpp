@@ -22,6 +22,7 @@ namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::StartsWith;
 using zephlane::test::kPasswordFile;
 using zephlane::test::kRedisPort;
 using zephlane::test::RunTool;
@@ -180,9 +181,22 @@ TEST_F(ToolSession, ConnectionLostOnTheWayIsSaidForEveryVerb) {
   }
 }
 
+TEST_F(ToolSession, InterpretThatLosesItsConnectionsFailsWithASummaryOfWhatIsKnown) {
+  StopServer();
+  const HangingUpServer server({"+OK\r\n", "+PONG\r\n"});
+  std::filesystem::create_directories("/tmp/etc");
+  std::filesystem::create_directories("/tmp/FOSS_schema");
+  WriteFile("/tmp/etc/SchemaURIConf.json", R"({"DmtfSchemaUri": "http://schemas.example.com/"})");
+  WriteFile("/tmp/FOSS_schema/Root.json", R"({"title": "Root.1.0.0"})");
+  const ToolRun run = RunTool({"interpret", "/tmp/FOSS_schema/Root.json"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.out, StartsWith("Result:      failed; "));
+  EXPECT_THAT(run.out, EndsWith("\nIn store:    unknown\n"));
+}
+
 TEST_F(ToolSession, EveryVerbNeedsTheServer) {
   StopServer();
-  std::filesystem::create_directory("/tmp/etc");
+  std::filesystem::create_directories("/tmp/etc");
   WriteFile("/tmp/etc/SchemaURIConf.json", "{}");
   const std::vector<std::vector<std::string>> verbs = {
       {"get", "key"},

@@ -173,7 +173,8 @@ TEST_F(ToolTree, MissingKeyIsAFailure) {
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.err,
-            "zephlane: nothing is neither a hash, a set or a list nor the title of a schema.\n");
+            "zephlane: nothing is neither a hash, a set or a list nor the title of a schema or the "
+            "name of a definition.\n");
 }
 
 TEST_F(ToolTree, StringIsAFailure) {
@@ -207,7 +208,7 @@ class ToolSchemaTree : public ToolTree {
   void SetUp() override {
     ToolTree::SetUp();
     Ask({"SADD", "ZephlaneSchemaInstances", Hash(1), Hash(0xa)});
-    Ask({"HSET", "ZephlaneSchemaTitleUuidHash", "Fan.1.0.0", Hash(1)});
+    Ask({"HSET", "ZephlaneSchemaTitleUuidHash", "Fan.1.0.0", Hash(1), "Common.1.0.0", Hash(0xa)});
     Ask({"HSET", Hash(1), "title", "Fan.1.0.0", "typeId", Hash(1), "$ref", Hash(3), "definitions",
          Hash(2)});
     Ask({"HSET", Hash(2), "Fan", Hash(3), "Mode", Hash(4)});
@@ -262,6 +263,20 @@ TEST_F(ToolSchemaTree, IsFoundByItsTitle) {
   ExpectTree({"Fan.1.0.0"}, kFanSchema);
 }
 
+TEST_F(ToolSchemaTree, DefinitionIsFoundByTheNameThatTreesGiveIt) {
+  ExpectTree({"Common.1.0.0/Id"},
+             "Common.1.0.0/Id: string 00000000-0000-0000-0001-00000000000c\n└─ maxLength = 64\n");
+}
+
+TEST_F(ToolSchemaTree, UnknownDefinitionIsAFailure) {
+  for (const char* name : {"Common.1.0.0/Name", "Other.1.0.0/Id", "/Id", "Common.1.0.0/"}) {
+    SCOPED_TRACE(name);
+    const ToolRun run = RunTool({"tree", name});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "");
+  }
+}
+
 TEST_F(ToolSchemaTree, ExpandsOtherSchemasOnRequest) {
   const ToolRun run = RunTool({"tree", "--all", "Fan.1.0.0"});
   EXPECT_THAT(run.out, HasSubstr("   │  ├─ Id: string (maxLength = 64)\n"));
@@ -281,6 +296,27 @@ TEST_F(ToolSchemaTree, ReferenceIsExpandedInItsPlaceWhereNothingElseNamesItsTarg
   Ask({"HDEL", Hash(1), "definitions"});
   const ToolRun run = RunTool({"tree", Hash(1), "--depth", "1"});
   EXPECT_THAT(run.out, EndsWith("└─ $ref: object (+5 fields)\n"));
+}
+
+TEST_F(ToolSchemaTree, ReferencesFoundBehindReferencesAreExpandedToo) {
+  Ask({"DEL", Hash(1), Hash(3), Hash(4), Hash(5)});
+  Ask({"HSET", Hash(1), "$ref", Hash(3)});
+  Ask({"HSET", Hash(3), "$ref", Hash(4)});
+  Ask({"HSET", Hash(4), "$ref", Hash(5)});
+  Ask({"HSET", Hash(5), "type", "null"});
+  EXPECT_THAT(RunTool({"tree", Hash(1)}).out, EndsWith("└─ $ref: hash\n"
+                                                       "   └─ $ref: hash\n"
+                                                       "      └─ $ref: null\n"));
+}
+
+TEST_F(ToolSchemaTree, DefinitionThatIsAReferenceIsNamedAfterItsTarget) {
+  Ask({"HSET", Hash(2), "Alias", Hash(0xc), "Whole", Hash(0xa)});
+  Ask({"HSET", Hash(0xb), "Back", Hash(4)});
+  const ToolRun run = RunTool({"tree", "Fan.1.0.0"});
+  EXPECT_THAT(run.out, HasSubstr("   ├─ Alias → Common.1.0.0/Id\n"));
+  EXPECT_THAT(run.out, HasSubstr("   └─ Whole → Common.1.0.0\n"));
+  EXPECT_THAT(RunTool({"tree", "Common.1.0.0"}).out,
+              EndsWith("   ├─ Back → Fan.1.0.0/Mode\n   └─ Id: string (maxLength = 64)\n"));
 }
 
 TEST_F(ToolSchemaTree, InstanceSaysOfWhichTypeItIs) {

@@ -10,14 +10,27 @@ namespace {
 constexpr char kSchemaRoots[] = "ZephlaneSchemaInstances";
 constexpr char kSchemaNodePrefix[] = "00000000-0000-0000-0001-";
 
-void AddSchema(redisContext* ctx, const std::string& root, SchemaNames& names) {
-  std::string title = ReadField(ctx, root, "title");
-  if (title.empty()) { title = root; }
-  names.insert_or_assign(root, SchemaPlace{root, title, ""});
-  for (const Pair& definition : ReadObject(ctx, ReadField(ctx, root, "definitions"), Kind::kHash)) {
-    // A definition may be nothing but a reference to another schema's: the first to hold it, or the
-    // schema it is the root of, names it.
-    names.try_emplace(definition.value, SchemaPlace{root, title, definition.name});
+SchemaPlace ReadRoot(redisContext* ctx, const std::string& root) {
+  SchemaPlace place = {root, ReadField(ctx, root, "title"), ReadField(ctx, root, "definitions"),
+                       ""};
+  if (place.title.empty()) { place.title = root; }
+  return place;
+}
+
+// A definition may be nothing but a reference to one of another schema, and so be held by several.
+// Its own schema is the one whose definitions were begun last before it: IDs are given in order.
+bool IsNearer(const SchemaPlace& place, const SchemaPlace& other, const std::string& id) {
+  return place.definitions < id &&
+         (other.definitions > id || place.definitions > other.definitions);
+}
+
+void AddDefinitions(redisContext* ctx, const SchemaPlace& root, SchemaNames& names) {
+  for (const Pair& pair : ReadObject(ctx, root.definitions, Kind::kHash)) {
+    SchemaPlace place = root;
+    place.definition = pair.name;
+    const auto [at, is_new] = names.try_emplace(pair.value, place);
+    const bool is_root = at->second.definition.empty();
+    if (!is_new && !is_root && IsNearer(place, at->second, pair.value)) { at->second = place; }
   }
 }
 
@@ -26,8 +39,10 @@ void AddSchema(redisContext* ctx, const std::string& root, SchemaNames& names) {
 SchemaNames ReadSchemaNames(redisContext* ctx) {
   SchemaNames names;
   for (const Pair& root : ReadObject(ctx, kSchemaRoots, Kind::kSet)) {
-    AddSchema(ctx, root.value, names);
+    names.emplace(root.value, ReadRoot(ctx, root.value));
   }
+  const SchemaNames roots = names;
+  for (const auto& [id, root] : roots) { AddDefinitions(ctx, root, names); }
   return names;
 }
 

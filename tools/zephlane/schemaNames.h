@@ -12,9 +12,10 @@
 namespace zephlane::tool {
 
 struct SchemaPlace {
-  std::string root;        // ID of the schema's root hash
-  std::string title;       // the schema's title, or its root ID
-  std::string definition;  // name of the definition; empty for the root hash itself
+  std::string root;         // ID of the schema's root hash
+  std::string title;        // the schema's title, or its root ID
+  std::string definitions;  // ID of the hash that holds the schema's definitions
+  std::string definition;   // name of the definition; empty for the root hash itself
 };
 
 using SchemaNames = std::map<std::string, SchemaPlace>;  // by ID

@@ -34,12 +34,16 @@ class TreeLoader {
   TreeModel Load() && {
     Place(model_.root, "", 0);
     ReadPending();
-    for (const Reference& reference : references_) {
+    // Expanding one may find more.
+    for (std::size_t i = 0; i < references_.size(); ++i) {
+      const Reference reference = references_[i];
       TreeEntry& entry = model_.objects[reference.holder].entries[reference.index];
       if (Place(entry.value, entry.name, reference.level)) { entry.shown = Shown::kExpanded; }
       ReadPending();
     }
-    for (const auto& [id, place] : schemas_) { model_.names[id] = NameOf(place); }
+    for (const auto& [id, place] : schemas_) {
+      model_.names[id] = NameOf(place, id == model_.root);
+    }
     return std::move(model_);
   }
 
@@ -122,9 +126,10 @@ class TreeLoader {
     return at->second;
   }
 
-  [[nodiscard]] std::string NameOf(const SchemaPlace& place) const {
+  [[nodiscard]] std::string NameOf(const SchemaPlace& place, bool is_root) const {
     if (place.definition.empty()) { return place.title; }
-    return place.root == own_schema_ ? place.definition : place.title + "/" + place.definition;
+    return place.root == own_schema_ && !is_root ? place.definition
+                                                 : place.title + "/" + place.definition;
   }
 
   redisContext* ctx_;

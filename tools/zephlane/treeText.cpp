@@ -107,7 +107,7 @@ class TreeWriter {
     const auto named = model_.names.find(key);
     if (named != model_.names.end()) { return named->second; }
     const TreeObject& object = Object(key);
-    const std::string name = OwnName(object);
+    std::string name = OwnName(object);
     if (!name.empty()) { return name; }
     return object.placed_as.empty() ? key : object.placed_as;
   }

@@ -58,6 +58,10 @@ void* ExitWithinGuard(void* raw) {
 }
 
 TEST(Guard, EndOfTheThreadPassesThrough) {
+#ifdef ZEPHLANE_SANITIZED
+  GTEST_SKIP() << "the null check takes the exception of a forced unwinding, which has no object, "
+                  "for a reference to nothing";
+#endif
   Trail trail;
   pthread_t thread{};
   void* result = nullptr;
