@@ -14,6 +14,7 @@
 #include <optional>
 #include <utility>
 
+#include "support/owners.h"
 #include "support/process.h"
 
 namespace zephlane::test {
@@ -155,6 +156,12 @@ void HookTest::TearDown() {
   StoreTest::TearDown();
   (void)close(calls[0]);
   (void)close(calls[1]);
+  // What this process has opened for sending are queues of this case: the next one has its own.
+  while (openedQueueInfoList != nullptr) {
+    const CRecord<OpenedQueueInfo> entry(openedQueueInfoList);
+    (void)mq_close(entry->mqd);
+    openedQueueInfoList = entry->next;
+  }
   for (const char* queue : kQueues) { (void)mq_unlink(queue); }
 }
 

@@ -15,7 +15,6 @@
 #include "api/hookFixture.h"
 #include "support/allocationFault.h"
 #include "support/output.h"
-#include "support/owners.h"
 #include "support/scriptedServer.h"
 
 #include <zephlaneAPI.h>
@@ -64,14 +63,6 @@ const std::vector<std::string> kOneMessage = {kMessage};
 
 class HookTrigger : public HookTest {
  protected:
-  void TearDown() override {
-    while (openedQueueInfoList != nullptr) {
-      const zephlane::CRecord<OpenedQueueInfo> entry(openedQueueInfoList);
-      (void)mq_close(entry->mqd);
-      openedQueueInfoList = entry->next;
-    }
-    HookTest::TearDown();
-  }
   // Queues of our own message size, listed for kUuid.
   void ListQueues(std::initializer_list<const char*> names) {
     for (const char* name : names) {
