@@ -105,6 +105,11 @@ TEST_F(RootType, FollowsEachPieceOfTheReferenceButTheHash) {
   EXPECT_EQ(Of("#/definitions/Chassis/Fan/Name"), "0 StringType");
 }
 
+TEST_F(RootType, OfAReferenceWithoutPiecesIsTheSchemaItself) {
+  EXPECT_EQ(Of("#"), "0 schema");
+  EXPECT_EQ(Of("#/"), "0 schema");
+}
+
 TEST_F(RootType, FailsAtAMissingStepAndLeavesTheOutput) {
   EXPECT_EQ(Of("#/definitions/Rack"), "1 untouched");
   EXPECT_EQ(Of("#/properties/Chassis"), "1 untouched");
