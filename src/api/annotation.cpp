@@ -239,6 +239,7 @@ int insertTypeID(redisContext* ctx, const char* aInstanceID, const char* aTypeID
                  const char* aIdRefTypeID, int nUseIdRef) {
   if (!ctx || !aInstanceID || !aTypeID || !aIdRefTypeID) { return kFailed; }
   if (zephlane::WalkedObject::IsBeingWalked(aInstanceID)) { return kDone; }
+  // A set or list that is a member itself is passed over here: Redis's ERROR reads as a stamp.
   if (getHashField(ctx, aInstanceID, zephlane::kTypeIdAnnotation, nullptr) == kDone) {
     return kDone;
   }
@@ -246,7 +247,8 @@ int insertTypeID(redisContext* ctx, const char* aInstanceID, const char* aTypeID
   const zephlane::Walk walk{ctx, aIdRefTypeID, nUseIdRef};
   unsigned int count = 0;
   const CArray<InstanceData> pairs(zephlaneHashGetAll(ctx, aInstanceID, &count));
-  for (unsigned int i = 0; pairs && i < count; ++i) {
+  if (!pairs) { return kFailed; }  // unread, so not walked: it stays without a stamp
+  for (unsigned int i = 0; i < count; ++i) {
     if (zephlane::AnnotatePair(walk, aInstanceID, aTypeID, pairs[i], i) != kDone) {
       return kFailed;
     }

@@ -2,8 +2,10 @@
 //
 // Whether a stored instance fits the definition its "typeID" names. Only its top level is examined.
 // Result 1 stands for an invalid instance and for one that could not be read.
+#include <cstddef>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "api/commonSteps.h"
 #include "redis/command.h"
@@ -21,6 +23,8 @@ using zephlane::CArray;
 using zephlane::kDone;
 using zephlane::kFailed;
 using zephlane::kValueSize;
+
+static_assert(offsetof(UnknownProperty, next) == ZEPHLANE_VALUE_SIZE);
 
 namespace zephlane {
 namespace {
