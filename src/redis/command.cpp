@@ -145,11 +145,12 @@ void ArgumentVector::Add(const char* word) noexcept {
 }
 
 void ArgumentVector::AddAll(char* const* words, std::size_t count) noexcept {
-  for (std::size_t i = 0; i < count; ++i) { Add(words[i]); }
+  // Without room for them the items are not looked at: a count may be a negative one in disguise.
+  for (std::size_t i = 0; whole_ && i < count; ++i) { Add(words[i]); }
 }
 
 void ArgumentVector::AddAll(const SetData* items, std::size_t count) noexcept {
-  for (std::size_t i = 0; i < count; ++i) { Add(items[i].aObjectID); }
+  for (std::size_t i = 0; whole_ && i < count; ++i) { Add(items[i].aObjectID); }
 }
 
 Reply ArgumentVector::Send(redisContext* ctx) && noexcept {
