@@ -27,8 +27,8 @@ extern "C" {
  *         arguments deleted again
  * @note Prints "Argument: NULL pointer", "Return MessageId is too long", "Failed to delete message
  *       object!", "Failed to delete parameter object!", and what zephlaneGenerateUUID() and
- *       zephlaneSADD() print. Redis: those of two UUIDs; HMSET, RPUSH per argument, SADD; on
- * failure DEL twice.
+ *       zephlaneSADD() print. Redis: those of two UUIDs; HMSET, RPUSH per argument, SADD; DEL twice
+ *       when an argument is not pushed.
  */
 ZEPHLANE_EXPORT int zephlaneCreateReturnMessage(redisContext* ctx, const char* aCollection,
                                                 const char* aMsgId, ...);

@@ -52,8 +52,8 @@ ZEPHLANE_EXPORT int zephlaneFindObjectByField(redisContext* ctx, const char* aOb
  * @param ...    names of the fields that name children (const char*, borrowed), ended by NULL
  * @return 0, also when there is no such object; 1 on failure, with what was not reached yet left
  * @note Prints "Arguments", "Failed to delete tracking table.", and what
- *       deleteAllSpecifiedObjects() prints. Redis: as there, and DEL of the set aRoot +
- * "-memberSET" of visited keys.
+ *       deleteAllSpecifiedObjects() prints. Redis: as there, then DEL of the set of visited keys,
+ *       aRoot + "-memberSET".
  */
 ZEPHLANE_EXPORT int zephlaneDeleteSubTree(redisContext* ctx, const char* aRoot, ...);
 
@@ -100,9 +100,9 @@ ZEPHLANE_EXPORT int deleteAllSpecifiedObjects(redisContext* ctx, const char* aKe
  * @return 0; 1 on failure. An object that existed before is gone as well then.
  * @note Prints "Argument is NULL pointer!", "Unknown object type" or "Object UUID: %zu" with the
  *       length of a key; "Failed to create multiple objects!" and "Stop creation and receive
- * replies of previous send command."; or "Something wrong when creating objects" and "Delete
- * previous created object ..."; "Failed to delete object <%s>". Redis: HMSET, SADD or RPUSH of
- * each; on failure HGET and DEL of each.
+ *       replies of previous send command."; "Something wrong when creating objects" and "Delete
+ *       previous created object ..."; "Failed to delete object <%s>". Redis: HMSET, SADD or RPUSH
+ *       of each; on failure what zephlaneDeleteHash() sends for each.
  */
 ZEPHLANE_EXPORT int zephlaneCreateMultipleObjects(redisContext* ctx, ObjectEntry* aEntries,
                                                   int nCount);
@@ -143,8 +143,8 @@ ZEPHLANE_EXPORT int zephlaneSADD(redisContext* ctx, const char* aSetKey, const c
  * @param aSetKey  key of the first set (borrowed)
  * @param ...      keys of the others (const char*, borrowed), ended by NULL
  * @return 1 when there are such members, 0 when there are none; -1 on failure
- * @note Prints "Argument: NULL pointer" or "command length overflow"; nothing for a NULL
- * connection. Redis: SDIFF.
+ * @note Prints "Argument: NULL pointer" or "command length overflow", and nothing when ctx is NULL.
+ *       Redis: SDIFF.
  */
 ZEPHLANE_EXPORT int zephlaneSdiffKey(redisContext* ctx, const char* aSetKey, ...);
 
