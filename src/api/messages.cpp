@@ -63,8 +63,8 @@ bool StoreField(redisContext* ctx, const char* message_id, const char* field, co
 // The list of a message's arguments; false after a report where there is one. Nothing is undone.
 bool StoreParameters(redisContext* ctx, const char* parameters_id, const char** params, int count) {
   // The command layer reads its items only.
-  if (redisListRightMultiplePush(ctx, parameters_id, const_cast<char* const*>(params),
-                                 static_cast<unsigned int>(count)) != kDone) {
+  if (count < 0 || redisListRightMultiplePush(ctx, parameters_id, const_cast<char* const*>(params),
+                                              static_cast<unsigned int>(count)) != kDone) {
     ApiError{}("Failed to push param string to list!\n");
     return false;
   }

@@ -89,36 +89,63 @@ struct Deletion {
   const char* tracking_set;
 };
 
-int DeleteBelow(const Deletion& deletion, const char* key) {
-  return deleteAllSpecifiedObjects(deletion.ctx, key, deletion.fields, deletion.field_count,
-                                   deletion.tracking_set);
-}
+// An object whose children are being deleted.
+struct Parent {
+  const char* key;
+  const Parent* above;
+};
 
-int DeleteNamedChildren(const Deletion& deletion, const char* hash_key) {
-  for (int i = 0; i < deletion.field_count; ++i) {
+int DeleteTree(const Deletion& deletion, const char* key, const Parent* above);
+
+int DeleteNamedChildren(const Deletion& deletion, const Parent& parent) {
+  for (int i = 0; deletion.fields && i < deletion.field_count; ++i) {
     char child[kValueSize] = "";
-    if (zephlaneGetHashField(deletion.ctx, hash_key, deletion.fields[i], child) != kDone) {
+    if (zephlaneGetHashField(deletion.ctx, parent.key, deletion.fields[i], child) != kDone) {
       continue;
     }
-    if (DeleteBelow(deletion, child) != kDone) { return kFailed; }
+    if (DeleteTree(deletion, child, &parent) != kDone) { return kFailed; }
   }
   return kDone;
 }
 
-int DeleteMembers(const Deletion& deletion, const SetData* members, unsigned int count) {
-  for (unsigned int i = 0; i < count; ++i) {
-    if (DeleteBelow(deletion, members[i].aObjectID) != kDone) { return kFailed; }
-  }
-  return kDone;
-}
-
-int DeleteChildren(const Deletion& deletion, const char* key, int type) {
-  if (type == ZEPHLANE_TYPE_HASH) { return DeleteNamedChildren(deletion, key); }
+int DeleteChildren(const Deletion& deletion, const Parent& parent, int type) {
+  if (type == ZEPHLANE_TYPE_HASH) { return DeleteNamedChildren(deletion, parent); }
   unsigned int count = 0;
-  const CArray<SetData> members(type == ZEPHLANE_TYPE_SET
-                                    ? zephlaneSMembers(deletion.ctx, key, &count)
-                                    : zephlaneListRange(deletion.ctx, key, 0, -1, &count));
-  return DeleteMembers(deletion, members.get(), members ? count : 0);
+  const CArray<SetData> children(type == ZEPHLANE_TYPE_SET
+                                     ? zephlaneSMembers(deletion.ctx, parent.key, &count)
+                                     : zephlaneListRange(deletion.ctx, parent.key, 0, -1, &count));
+  for (unsigned int i = 0; children && i < count; ++i) {
+    if (DeleteTree(deletion, children[i].aObjectID, &parent) != kDone) { return kFailed; }
+  }
+  return kDone;
+}
+
+// Whether the walk has come to the key before. The tracking set knows no key with blanks or of 256
+// characters or more, as adding splits or cuts it: of these at least a loop is seen.
+bool IsRepeated(const Deletion& deletion, const char* key, const Parent* above) {
+  if (sismember(deletion.ctx, deletion.tracking_set, key) == 1) { return true; }
+  for (; above != nullptr; above = above->above) {
+    if (std::strcmp(above->key, key) == 0) { return true; }
+  }
+  return false;
+}
+
+int DeleteTree(const Deletion& deletion, const char* key, const Parent* above) {
+  const int type = zephlaneRedisType(deletion.ctx, key);
+  // A key that is gone already, perhaps through another parent, has no type and is no loop.
+  if (type == ZEPHLANE_TYPE_OTHER) { return deleteKey(deletion.ctx, key); }
+  if (IsRepeated(deletion, key, above)) {
+    ApiError{}(
+        "detected infinite loop! Or other thread/process is trying to delete the same object.\n");
+    ApiError{}("\"%s\" repeated again!!\n", key);
+    return kFailed;
+  }
+  if (zephlaneSADD(deletion.ctx, deletion.tracking_set, key, nullptr) != kDone) {
+    ApiError{}("SADD failed!!\n");
+    return kFailed;
+  }
+  if (DeleteChildren(deletion, {key, above}, type) != kDone) { return kFailed; }
+  return deleteKey(deletion.ctx, key);
 }
 
 void DeleteCreated(redisContext* ctx, const ObjectEntry* entries, int count) {
@@ -149,8 +176,8 @@ bool AreCreatable(const ObjectEntry* entries, int count) {
 bool QueueObjects(redisContext* ctx, const ObjectEntry* entries, int count) {
   for (int i = 0; i < count; ++i) {
     const ObjectEntry& entry = entries[i];
-    if (pipelineCreateObject(ctx, entry.key, entry.type, entry.items,
-                             static_cast<unsigned int>(entry.count)) == kDone) {
+    if (entry.count >= 0 && pipelineCreateObject(ctx, entry.key, entry.type, entry.items,
+                                                 static_cast<unsigned int>(entry.count)) == kDone) {
       continue;
     }
     ApiError{}("Failed to create multiple objects!\n");
@@ -219,22 +246,7 @@ int zephlaneDeleteSubTreeV21(redisContext* ctx, const char* aRoot, const char** 
 
 int deleteAllSpecifiedObjects(redisContext* ctx, const char* aKey, const char** aFields,
                               int nFields, const char* aTrackingSet) {
-  const int type = zephlaneRedisType(ctx, aKey);
-  // A key that is gone already, perhaps through another parent, has no type and is no loop.
-  if (type == ZEPHLANE_TYPE_OTHER) { return deleteKey(ctx, aKey); }
-  if (sismember(ctx, aTrackingSet, aKey) == 1) {
-    ApiError{}(
-        "detected infinite loop! Or other thread/process is trying to delete the same object.\n");
-    ApiError{}("\"%s\" repeated again!!\n", aKey);
-    return kFailed;
-  }
-  if (zephlaneSADD(ctx, aTrackingSet, aKey, nullptr) != kDone) {
-    ApiError{}("SADD failed!!\n");
-    return kFailed;
-  }
-  const zephlane::Deletion deletion{ctx, aFields, nFields, aTrackingSet};
-  if (zephlane::DeleteChildren(deletion, aKey, type) != kDone) { return kFailed; }
-  return deleteKey(ctx, aKey);
+  return zephlane::DeleteTree({ctx, aFields, nFields, aTrackingSet}, aKey, nullptr);
 }
 
 int zephlaneCreateMultipleObjects(redisContext* ctx, ObjectEntry* aEntries, int nCount) {
