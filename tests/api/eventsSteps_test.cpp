@@ -141,6 +141,17 @@ TEST_F(CreateEventRecords, StopsAtTheFirstRecordThatFailsAndKeepsThoseBefore) {
   EXPECT_EQ(Ask({"GET", "autoEventID"}), "00000002");
 }
 
+TEST_F(CreateEventRecords, TypeIsWrittenWithAtMost36Characters) {
+  for (const std::size_t length : {36, 37, 500}) {
+    const std::string type(length, 't');
+    Ask({"DEL", "autoUUID"});
+    Ask({"HSET", type, "required", kRequiredOfRecord});
+    EventRecord record = Record("1");
+    EXPECT_EQ(createEventRecords(ctx(), type.c_str(), "set", &record, 1), 0);
+    EXPECT_EQ(Ask({"HGET", Uuid(1), "typeID"}), std::string(36, 't'));
+  }
+}
+
 TEST_F(CreateEventRecords, WithoutRecordsDoesNothing) {
   EventRecord record = Record("1");
   EXPECT_EQ(createEventRecords(scripted(), "type", "set", &record, 0), 0);
