@@ -5,6 +5,7 @@
 // removed, and nothing expires by itself.
 #include <cstdio>
 #include <cstdlib>
+#include <span>
 #include <string_view>
 
 #include "api/commonSteps.h"
@@ -137,7 +138,7 @@ bool WriteRecord(redisContext* ctx, const EventRecord& record, const RecordIds& 
   pairs.Add("MessageId", text(record.MessageId));
   pairs.Add(kArgumentsField, ids.arguments);
   pairs.Add(kOriginField, origin_id);
-  pairs.Add(kTypeIdAnnotation, type_id);
+  pairs.Add(kTypeIdAnnotation, std::string_view(type_id).substr(0, kIdLength));
   return pairs.Write(ctx, ids.record) == kDone;
 }
 

@@ -23,9 +23,9 @@ inline void FormatDeadline(std::uint32_t deadline, char (&text)[15]) noexcept {
 }
 
 // Whether a stored deadline has come. Read back unsigned: a negative text is a very large number,
-// so it never comes.
+// so it never comes. 64 bits wide everywhere, so that 32-bit processes agree.
 [[nodiscard]] inline bool HasDeadlineCome(const char* text, std::uint32_t now) noexcept {
-  return std::strtoul(text, nullptr, 10) <= now;
+  return std::strtoull(text, nullptr, 10) <= now;
 }
 
 }  // namespace zephlane
