@@ -18,6 +18,7 @@
 #include <string_view>
 #include <type_traits>
 
+#include "api/commonSteps.h"
 #include "api/publishedList.h"
 #include "redis/command.h"
 #include "support/owners.h"
@@ -69,10 +70,7 @@ struct QueueList {
 QueueList OemQueuesOf(redisContext* ctx, const char* uuid) {
   const QueueListKey key = QueueListKeyOf(uuid, kOem);
   QueueList queues;
-  if (getInstanceCount(ctx, key.data(), &queues.count) != kDone || queues.count == 0) { return {}; }
-  queues.names = ZeroedArray<SetData>(queues.count);
-  // Fails too when the set has changed its size since it was counted.
-  if (getInstance(ctx, key.data(), queues.count, queues.names.get()) != kDone) { return {}; }
+  queues.names = ReadMembers(ctx, key.data(), &queues.count);
   return queues;
 }
 
