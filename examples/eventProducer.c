@@ -98,7 +98,10 @@ int main(void) {
   int ends[2];
   if (ctx == NULL || StoreSchema(ctx) != 0 || pipe(ends) != 0) { return EXIT_FAILURE; }
   const pid_t subscriber = fork();
-  if (subscriber == 0) { return Subscribe(ends[1]); }
+  if (subscriber == 0) {
+    zephlaneRedisDisconnect(ctx); /* the parent's: a connection serves one process */
+    return Subscribe(ends[1]);
+  }
   close(ends[1]);
   char ready = 0;
   if (subscriber < 0 || read(ends[0], &ready, 1) != 1) { return EXIT_FAILURE; }

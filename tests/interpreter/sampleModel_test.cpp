@@ -31,19 +31,6 @@ std::string TextOf(const char* path) {
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-// Anonymous and file pages that the process holds in memory.
-long ResidentKilobytes() {
-  std::ifstream stream("/proc/self/status");
-  for (std::string word; stream >> word;) {
-    if (word == "VmRSS:") {
-      long kilobytes = 0;
-      stream >> kilobytes;
-      return kilobytes;
-    }
-  }
-  return -1;
-}
-
 // The first value or member that still is a reference's text. Names of fields may be such texts,
 // and the "$ref" of a schema's root stays: it says which definition describes its instances.
 std::string FirstPlaceholder(const std::string& store) {
@@ -116,6 +103,19 @@ TEST_F(SampleModel, ProgressCountsWhatWasRead) {
 }
 
 #ifndef ZEPHLANE_SANITIZED
+// Anonymous and file pages that the process holds in memory.
+long ResidentKilobytes() {
+  std::ifstream stream("/proc/self/status");
+  for (std::string word; stream >> word;) {
+    if (word == "VmRSS:") {
+      long kilobytes = 0;
+      stream >> kilobytes;
+      return kilobytes;
+    }
+  }
+  return -1;
+}
+
 TEST_F(SampleModel, ResidentMemoryGrowsByLessThanEightMegabytes) {
   const long before = ResidentKilobytes();
   ASSERT_EQ(Interpret(), 0);
