@@ -27,7 +27,7 @@ class ToolUsage : public StoreTest {};
 TEST_F(ToolUsage, HelpNamesEveryVerbAndTheExitCodes) {
   const ToolRun run = RunTool({"--help"});
   EXPECT_EQ(run.status, 0);
-  for (const char* verb : {"interpret", "tree", "get", "type", "uuid"}) {
+  for (const char* verb : {"interpret", "tree", "get", "type", "uuid", "annotate", "validate"}) {
     EXPECT_THAT(run.out, HasSubstr(std::string("\n  ") + verb + " "));
   }
   EXPECT_THAT(run.out, HasSubstr("Exit code: 0 done, 1 failed, 2 bad usage."));
@@ -58,7 +58,11 @@ INSTANTIATE_TEST_SUITE_P(
                              "tree 00000000-0000-0000-0001-ffffffffffff --depth 2"},
                     VerbHelp{"get", "get [OPTIONS] KEY", "get ZephlaneSchemaTitleUuidHash"},
                     VerbHelp{"type", "type [OPTIONS] KEY", "type ZephlaneSchemaInstances"},
-                    VerbHelp{"uuid", "uuid [OPTIONS]", "uuid -n 3"}),
+                    VerbHelp{"uuid", "uuid [OPTIONS]", "uuid -n 3"},
+                    VerbHelp{"annotate", "annotate [OPTIONS] KEY SCHEMA",
+                             "annotate 10000000-0000-0000-0000-000000000001 Chassis.1.0.0"},
+                    VerbHelp{"validate", "validate [OPTIONS] KEY",
+                             "validate 10000000-0000-0000-0000-000000000001"}),
     [](const auto& test) { return std::string(test.param.verb); });
 
 TEST_F(ToolUsage, VersionIsData) {
@@ -92,7 +96,9 @@ INSTANTIATE_TEST_SUITE_P(
                     std::vector<std::string>{"uuid", "-n", "1000001"},
                     std::vector<std::string>{"uuid", "-n", "many"},
                     std::vector<std::string>{"uuid", "3"},
-                    std::vector<std::string>{"get", "a", "type", "a"}));
+                    std::vector<std::string>{"get", "a", "type", "a"},
+                    std::vector<std::string>{"annotate", "key"},
+                    std::vector<std::string>{"validate"}));
 
 TEST_F(ToolUsage, MessageNamesTheHelpOfTheVerb) {
   EXPECT_EQ(RunTool({}).err, "zephlane: A verb is required\nRun zephlane --help for more.\n");

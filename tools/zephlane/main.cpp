@@ -40,7 +40,9 @@ void Describe(CLI::App& app, Verb& run) {
   app.set_version_flag("--version", std::string("zephlane " ZEPHLANE_VERSION));
   app.footer(kFooter);
   app.failure_message(BadUsage);
-  for (auto* add : {AddInterpret, AddTree, AddGet, AddType, AddUuid}) { add(app, run); }
+  for (auto* add : {AddInterpret, AddTree, AddGet, AddType, AddUuid, AddAnnotate, AddValidate}) {
+    add(app, run);
+  }
   for (CLI::App* verb : app.get_subcommands({})) { verb->group("Verbs"); }
 }
 

@@ -21,5 +21,7 @@ void AddTree(CLI::App& app, Verb& run);
 void AddGet(CLI::App& app, Verb& run);
 void AddType(CLI::App& app, Verb& run);
 void AddUuid(CLI::App& app, Verb& run);
+void AddAnnotate(CLI::App& app, Verb& run);
+void AddValidate(CLI::App& app, Verb& run);
 
 }  // namespace zephlane::tool
