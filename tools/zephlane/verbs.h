@@ -23,5 +23,8 @@ void AddType(CLI::App& app, Verb& run);
 void AddUuid(CLI::App& app, Verb& run);
 void AddAnnotate(CLI::App& app, Verb& run);
 void AddValidate(CLI::App& app, Verb& run);
+void AddRm(CLI::App& app, Verb& run);
+void AddTask(CLI::App& app, Verb& run);
+void AddHook(CLI::App& app, Verb& run);
 
 }  // namespace zephlane::tool
