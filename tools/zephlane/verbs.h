@@ -26,5 +26,6 @@ void AddValidate(CLI::App& app, Verb& run);
 void AddRm(CLI::App& app, Verb& run);
 void AddTask(CLI::App& app, Verb& run);
 void AddHook(CLI::App& app, Verb& run);
+void AddEvent(CLI::App& app, Verb& run);
 
 }  // namespace zephlane::tool
