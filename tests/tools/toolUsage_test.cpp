@@ -28,7 +28,7 @@ TEST_F(ToolUsage, HelpNamesEveryVerbAndTheExitCodes) {
   const ToolRun run = RunTool({"--help"});
   EXPECT_EQ(run.status, 0);
   for (const char* verb : {"interpret", "tree", "get", "type", "uuid", "annotate", "validate", "rm",
-                           "task", "hook", "event"}) {
+                           "task", "hook", "event", "watch"}) {
     EXPECT_THAT(run.out, HasSubstr(std::string("\n  ") + verb + " "));
   }
   EXPECT_THAT(run.out, HasSubstr("Exit code: 0 done, 1 failed, 2 bad usage."));
@@ -64,6 +64,7 @@ INSTANTIATE_TEST_SUITE_P(
                              "annotate 10000000-0000-0000-0000-000000000001 Chassis.1.0.0"},
                     VerbHelp{"validate", "validate [OPTIONS] KEY",
                              "validate 10000000-0000-0000-0000-000000000001"},
+                    VerbHelp{"watch", "watch [OPTIONS]", "watch --json --count 1"},
                     VerbHelp{"rm", "rm [OPTIONS] KEY",
                              "rm --tree 10000000-0000-0000-0000-000000000001 --field Fans "
                              "Status"}),
@@ -96,6 +97,9 @@ INSTANTIATE_TEST_SUITE_P(
                     NestedHelp{"task", "show", " KEY", "10000000-0000-0000-0000-000000000001"},
                     NestedHelp{"hook", "trigger", " UUID MSGID A1 A2 A3",
                                "10000000-0000-0000-0000-000000000001 00001 on left 7"},
+                    NestedHelp{"event", "send", "",
+                               "--name Overheat --type Alert --message-id 1.0.Hot --arg left "
+                               "--arg 90"},
                     NestedHelp{"event", "show", " KEY", "10000000-0000-0000-0000-000000000001"},
                     NestedHelp{"hook", "list", " UUID", "10000000-0000-0000-0000-000000000001"}),
     [](const auto& test) { return std::string(test.param.verb) + "_" + test.param.nested; });
@@ -137,11 +141,12 @@ INSTANTIATE_TEST_SUITE_P(
         std::vector<std::string>{"task"}, std::vector<std::string>{"task", "create"},
         std::vector<std::string>{"task", "update", "key"},
         std::vector<std::string>{"task", "update", "key", std::string(1024, 'x')},
-        std::vector<std::string>{"task", "show"}, std::vector<std::string>{"event"},
+        std::vector<std::string>{"task", "show"}, std::vector<std::string>{"event", "watch"},
         std::vector<std::string>{"event", "show"},
         std::vector<std::string>{"event", "send", "--type", std::string(256, 'x')},
         std::vector<std::string>{"event", "send", "--oem", std::string(37, 'x')},
-        std::vector<std::string>{"hook", "event"}, std::vector<std::string>{"hook", "list"},
+        std::vector<std::string>{"hook", "event", "watch"},
+        std::vector<std::string>{"hook", "list"},
         std::vector<std::string>{"hook", "trigger", "uuid", "1", "a", "b"},
         std::vector<std::string>{"hook", "trigger", "uuid", "000001", "a", "b", "c"},
         std::vector<std::string>{"hook", "trigger", std::string(37, 'u'), "1", "a", "b", "c"},

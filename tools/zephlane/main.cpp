@@ -46,7 +46,7 @@ void Describe(CLI::App& app, Verb& run) {
   app.footer(kFooter);
   app.failure_message(BadUsage);
   for (auto* add : {AddInterpret, AddTree, AddGet, AddType, AddUuid, AddAnnotate, AddValidate,
-                    AddRm, AddTask, AddHook, AddEvent}) {
+                    AddRm, AddTask, AddHook, AddEvent, AddWatch}) {
     add(app, run);
   }
   for (CLI::App* verb : app.get_subcommands({})) { verb->group("Verbs"); }

@@ -27,5 +27,6 @@ void AddRm(CLI::App& app, Verb& run);
 void AddTask(CLI::App& app, Verb& run);
 void AddHook(CLI::App& app, Verb& run);
 void AddEvent(CLI::App& app, Verb& run);
+void AddWatch(CLI::App& app, Verb& run);
 
 }  // namespace zephlane::tool
