@@ -46,6 +46,12 @@ int WaitFor(pid_t child) {
   return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
+std::string WholeText(int fd) {
+  std::string text(static_cast<std::size_t>(lseek(fd, 0, SEEK_END)), '\0');
+  (void)!pread(fd, text.data(), text.size(), 0);
+  return text;
+}
+
 // A file in memory that takes what a process prints.
 class Sink {
  public:
@@ -59,9 +65,7 @@ class Sink {
     return fd_;
   }
   [[nodiscard]] std::string Text() const {
-    std::string text(static_cast<std::size_t>(lseek(fd_, 0, SEEK_END)), '\0');
-    (void)!pread(fd_, text.data(), text.size(), 0);
-    return text;
+    return WholeText(fd_);
   }
 
  private:
@@ -121,6 +125,39 @@ ToolRun RunTool(const std::vector<std::string>& arguments) {
   const Sink out;
   ToolRun run = RunWithOut(out.Get(), arguments);
   run.out = out.Text();
+  return run;
+}
+
+StartedTool::StartedTool(const std::vector<std::string>& arguments)
+    : out_(memfd_create("out", MFD_CLOEXEC)),
+      err_(memfd_create("err", MFD_CLOEXEC)),
+      child_(Start(arguments, out_, err_)) {}
+
+StartedTool::~StartedTool() {
+  if (child_ > 0) {
+    Interrupt();
+    (void)Finish();
+  }
+  (void)close(out_);
+  (void)close(err_);
+}
+
+bool StartedTool::HasEnded() const {
+  siginfo_t info{};
+  const auto child = static_cast<id_t>(child_);
+  return waitid(P_PID, child, &info, WEXITED | WNOHANG | WNOWAIT) != 0 || info.si_pid != 0;
+}
+
+void StartedTool::Interrupt() {
+  (void)kill(child_, SIGINT);
+}
+
+ToolRun StartedTool::Finish() {
+  ToolRun run;
+  run.status = WaitFor(child_);
+  child_ = -1;
+  run.out = WholeText(out_);
+  run.err = WholeText(err_);
   return run;
 }
 

@@ -16,6 +16,24 @@ struct ToolRun {
 
 ToolRun RunTool(const std::vector<std::string>& arguments);
 
+// A tool that runs beside the case; one that was not waited for is interrupted and waited for.
+class StartedTool {
+ public:
+  explicit StartedTool(const std::vector<std::string>& arguments);
+  StartedTool(const StartedTool&) = delete;
+  StartedTool& operator=(const StartedTool&) = delete;
+  ~StartedTool();
+  [[nodiscard]] bool HasEnded() const;
+  void Interrupt();
+  // Waits for its end.
+  ToolRun Finish();
+
+ private:
+  int out_;
+  int err_;
+  int child_;
+};
+
 // With standard output on a file of the caller's choice, such as "/dev/full".
 ToolRun RunToolInto(const std::string& out_path, const std::vector<std::string>& arguments);
 

@@ -27,7 +27,8 @@ class ToolUsage : public StoreTest {};
 TEST_F(ToolUsage, HelpNamesEveryVerbAndTheExitCodes) {
   const ToolRun run = RunTool({"--help"});
   EXPECT_EQ(run.status, 0);
-  for (const char* verb : {"interpret", "tree", "get", "type", "uuid"}) {
+  for (const char* verb : {"interpret", "tree", "get", "type", "uuid", "annotate", "validate", "rm",
+                           "task", "hook", "event", "watch"}) {
     EXPECT_THAT(run.out, HasSubstr(std::string("\n  ") + verb + " "));
   }
   EXPECT_THAT(run.out, HasSubstr("Exit code: 0 done, 1 failed, 2 bad usage."));
@@ -58,8 +59,50 @@ INSTANTIATE_TEST_SUITE_P(
                              "tree 00000000-0000-0000-0001-ffffffffffff --depth 2"},
                     VerbHelp{"get", "get [OPTIONS] KEY", "get ZephlaneSchemaTitleUuidHash"},
                     VerbHelp{"type", "type [OPTIONS] KEY", "type ZephlaneSchemaInstances"},
-                    VerbHelp{"uuid", "uuid [OPTIONS]", "uuid -n 3"}),
+                    VerbHelp{"uuid", "uuid [OPTIONS]", "uuid -n 3"},
+                    VerbHelp{"annotate", "annotate [OPTIONS] KEY SCHEMA",
+                             "annotate 10000000-0000-0000-0000-000000000001 Chassis.1.0.0"},
+                    VerbHelp{"validate", "validate [OPTIONS] KEY",
+                             "validate 10000000-0000-0000-0000-000000000001"},
+                    VerbHelp{"watch", "watch [OPTIONS]", "watch --json --count 1"},
+                    VerbHelp{"rm", "rm [OPTIONS] KEY",
+                             "rm --tree 10000000-0000-0000-0000-000000000001 --field Fans "
+                             "Status"}),
     [](const auto& test) { return std::string(test.param.verb); });
+
+struct NestedHelp {
+  const char* verb;
+  const char* nested;
+  const char* usage;
+  const char* example;
+};
+
+class ToolNestedHelp : public testing::TestWithParam<NestedHelp> {};
+
+TEST_P(ToolNestedHelp, ShowsUsageAndAnExample) {
+  const auto& [verb, nested, usage, example] = GetParam();
+  const std::string name = std::string(verb) + " " + nested;
+  const ToolRun run = RunTool({verb, nested, "--help"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_THAT(run.out, HasSubstr("Usage: zephlane " + name + " [OPTIONS]" + usage + "\n"));
+  EXPECT_THAT(run.out, HasSubstr("\n  zephlane " + name + " " + example + "\n"));
+  EXPECT_EQ(run.err, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    AllVerbs, ToolNestedHelp,
+    testing::Values(NestedHelp{"task", "create", "", "--channel firmware-updates --arg image-7"},
+                    NestedHelp{"task", "update", " KEY STATE",
+                               "10000000-0000-0000-0000-000000000001 Completed"},
+                    NestedHelp{"task", "show", " KEY", "10000000-0000-0000-0000-000000000001"},
+                    NestedHelp{"hook", "trigger", " UUID MSGID A1 A2 A3",
+                               "10000000-0000-0000-0000-000000000001 00001 on left 7"},
+                    NestedHelp{"event", "send", "",
+                               "--name Overheat --type Alert --message-id 1.0.Hot --arg left "
+                               "--arg 90"},
+                    NestedHelp{"event", "show", " KEY", "10000000-0000-0000-0000-000000000001"},
+                    NestedHelp{"hook", "list", " UUID", "10000000-0000-0000-0000-000000000001"}),
+    [](const auto& test) { return std::string(test.param.verb) + "_" + test.param.nested; });
 
 TEST_F(ToolUsage, VersionIsData) {
   const ToolRun run = RunTool({"--version"});
@@ -80,23 +123,42 @@ TEST_P(ToolBadUsage, IsExitCodeTwoWithAMessageAndNoData) {
 
 INSTANTIATE_TEST_SUITE_P(
     Arguments, ToolBadUsage,
-    testing::Values(std::vector<std::string>{}, std::vector<std::string>{"paint"},
-                    std::vector<std::string>{"--paint"}, std::vector<std::string>{"interpret"},
-                    std::vector<std::string>{"get"}, std::vector<std::string>{"get", "a", "b"},
-                    std::vector<std::string>{"type"}, std::vector<std::string>{"tree"},
-                    std::vector<std::string>{"tree", "key", "--depth"},
-                    std::vector<std::string>{"tree", "key", "--depth", "deep"},
-                    std::vector<std::string>{"tree", "key", "--depth", "-1"},
-                    std::vector<std::string>{"tree", "key", "--depth", "1001"},
-                    std::vector<std::string>{"uuid", "-n", "0"},
-                    std::vector<std::string>{"uuid", "-n", "1000001"},
-                    std::vector<std::string>{"uuid", "-n", "many"},
-                    std::vector<std::string>{"uuid", "3"},
-                    std::vector<std::string>{"get", "a", "type", "a"}));
+    testing::Values(
+        std::vector<std::string>{}, std::vector<std::string>{"paint"},
+        std::vector<std::string>{"--paint"}, std::vector<std::string>{"interpret"},
+        std::vector<std::string>{"get"}, std::vector<std::string>{"get", "a", "b"},
+        std::vector<std::string>{"type"}, std::vector<std::string>{"tree"},
+        std::vector<std::string>{"tree", "key", "--depth"},
+        std::vector<std::string>{"tree", "key", "--depth", "deep"},
+        std::vector<std::string>{"tree", "key", "--depth", "-1"},
+        std::vector<std::string>{"tree", "key", "--depth", "1001"},
+        std::vector<std::string>{"uuid", "-n", "0"},
+        std::vector<std::string>{"uuid", "-n", "1000001"},
+        std::vector<std::string>{"uuid", "-n", "many"}, std::vector<std::string>{"uuid", "3"},
+        std::vector<std::string>{"get", "a", "type", "a"},
+        std::vector<std::string>{"annotate", "key"}, std::vector<std::string>{"validate"},
+        std::vector<std::string>{"rm"}, std::vector<std::string>{"rm", "key", "--field", "Fans"},
+        std::vector<std::string>{"task"}, std::vector<std::string>{"task", "create"},
+        std::vector<std::string>{"task", "update", "key"},
+        std::vector<std::string>{"task", "update", "key", std::string(1024, 'x')},
+        std::vector<std::string>{"task", "show"}, std::vector<std::string>{"event", "watch"},
+        std::vector<std::string>{"event", "show"},
+        std::vector<std::string>{"event", "send", "--type", std::string(256, 'x')},
+        std::vector<std::string>{"event", "send", "--oem", std::string(37, 'x')},
+        std::vector<std::string>{"hook", "event", "watch"},
+        std::vector<std::string>{"hook", "list"},
+        std::vector<std::string>{"hook", "trigger", "uuid", "1", "a", "b"},
+        std::vector<std::string>{"hook", "trigger", "uuid", "000001", "a", "b", "c"},
+        std::vector<std::string>{"hook", "trigger", std::string(37, 'u'), "1", "a", "b", "c"},
+        std::vector<std::string>{"hook", "trigger", "uuid", "1", "a", "b", std::string(40, 'c')}));
 
 TEST_F(ToolUsage, MessageNamesTheHelpOfTheVerb) {
   EXPECT_EQ(RunTool({}).err, "zephlane: A verb is required\nRun zephlane --help for more.\n");
   EXPECT_EQ(RunTool({"get"}).err, "zephlane: KEY is required\nRun zephlane get --help for more.\n");
+  EXPECT_EQ(RunTool({"task"}).err,
+            "zephlane: A verb is required\nRun zephlane task --help for more.\n");
+  EXPECT_EQ(RunTool({"task", "show"}).err,
+            "zephlane: KEY is required\nRun zephlane task show --help for more.\n");
 }
 
 TEST_F(ToolUsage, OutputThatCannotBeWrittenIsAFailure) {

@@ -27,11 +27,16 @@ constexpr char kFooter[] =
     "zephlane VERB --help says more about a verb.";
 
 std::string BadUsage(const CLI::App* app, const CLI::Error& error) {
-  const std::vector<CLI::App*> chosen = app->get_subcommands();
-  const bool no_verb = chosen.empty() && error.get_name() == "RequiredError";
+  std::string verb;
+  const CLI::App* last = app;
+  while (!last->get_subcommands().empty()) {
+    last = last->get_subcommands().front();
+    verb += last->get_name() + " ";
+  }
+  const bool no_verb =
+      last->get_require_subcommand_min() > 0 && error.get_name() == "RequiredError";
   return fmt::format("zephlane: {}\nRun zephlane {}--help for more.\n",
-                     no_verb ? "A verb is required" : error.what(),
-                     chosen.empty() ? "" : chosen.front()->get_name() + " ");
+                     no_verb ? "A verb is required" : error.what(), verb);
 }
 
 void Describe(CLI::App& app, Verb& run) {
@@ -40,7 +45,10 @@ void Describe(CLI::App& app, Verb& run) {
   app.set_version_flag("--version", std::string("zephlane " ZEPHLANE_VERSION));
   app.footer(kFooter);
   app.failure_message(BadUsage);
-  for (auto* add : {AddInterpret, AddTree, AddGet, AddType, AddUuid}) { add(app, run); }
+  for (auto* add : {AddInterpret, AddTree, AddGet, AddType, AddUuid, AddAnnotate, AddValidate,
+                    AddRm, AddTask, AddHook, AddEvent, AddWatch}) {
+    add(app, run);
+  }
   for (CLI::App* verb : app.get_subcommands({})) { verb->group("Verbs"); }
 }
 

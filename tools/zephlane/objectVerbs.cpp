@@ -18,22 +18,6 @@ namespace {
 constexpr char kNone[] = "none";
 constexpr char kString[] = "string";
 
-int FailForMissing(Console& console, const Session& session, const std::string& key) {
-  if (StillConnected(console, session.get())) {
-    console.Tell(fmt::format("There is no key {} in the store.", Printable(key)));
-  }
-  return kExitFailed;
-}
-
-std::string ObjectText(redisContext* ctx, const std::string& key, Kind kind) {
-  std::string text;
-  for (const Pair& pair : ReadObject(ctx, key, kind)) {
-    if (kind == Kind::kHash) { text += Printable(pair.name) + " = "; }
-    text += Printable(pair.value) + "\n";
-  }
-  return text;
-}
-
 int Get(Console& console, const std::string& key) {
   const Session session = OpenSession(console);
   if (!session) { return kExitFailed; }

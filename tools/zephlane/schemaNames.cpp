@@ -46,6 +46,18 @@ SchemaNames ReadSchemaNames(redisContext* ctx) {
   return names;
 }
 
+std::string FindSchema(redisContext* ctx, const std::string& title) {
+  char id[ZEPHLANE_VALUE_SIZE] = "";
+  return zephlaneGetSchemaTypeIdByTitle(ctx, title.c_str(), id) == 0 ? id : "";
+}
+
+std::string SchemaName(const SchemaNames& names, const std::string& id) {
+  const auto place = names.find(id);
+  if (place == names.end()) { return id; }
+  const auto& [root, title, definitions, definition] = place->second;
+  return definition.empty() ? title : title + "/" + definition;
+}
+
 bool IsSchemaNodeId(const std::string& id) {
   return id.starts_with(kSchemaNodePrefix);
 }

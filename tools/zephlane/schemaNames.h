@@ -22,6 +22,12 @@ using SchemaNames = std::map<std::string, SchemaPlace>;  // by ID
 
 [[nodiscard]] SchemaNames ReadSchemaNames(redisContext* ctx);
 
+// ID of the root hash of the schema with this title; empty when there is none.
+[[nodiscard]] std::string FindSchema(redisContext* ctx, const std::string& title);
+
+// The name that trees give to what has this ID; the ID itself when it has none.
+[[nodiscard]] std::string SchemaName(const SchemaNames& names, const std::string& id);
+
 // Whether the ID is one that interpreting a schema gives to what it stores.
 [[nodiscard]] bool IsSchemaNodeId(const std::string& id);
 

@@ -13,6 +13,8 @@
 
 #include <fmt/format.h>
 
+#include "plainText.h"
+
 namespace zephlane::tool {
 
 namespace {
@@ -132,6 +134,13 @@ bool StillConnected(Console& console, const redisContext* ctx) {
   if (ctx->err == 0) { return true; }
   console.Tell(fmt::format("The connection to the Redis server was lost: {}", ctx->errstr));
   return false;
+}
+
+int FailForMissing(Console& console, const Session& session, const std::string& key) {
+  if (StillConnected(console, session.get())) {
+    console.Tell(fmt::format("There is no key {} in the store.", Printable(key)));
+  }
+  return kExitFailed;
 }
 
 }  // namespace zephlane::tool

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include <zephlaneAPI.h>
 
@@ -30,5 +31,8 @@ using Answer = std::unique_ptr<redisReply, ReleaseReply>;
 
 // Whether the connection still stands; tells the user when it was lost.
 [[nodiscard]] bool StillConnected(Console& console, const redisContext* ctx);
+
+// Tells the user that there is no such key, or that the connection was lost; kExitFailed.
+int FailForMissing(Console& console, const Session& session, const std::string& key);
 
 }  // namespace zephlane::tool

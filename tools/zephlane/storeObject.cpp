@@ -6,6 +6,7 @@
 #include <memory>
 #include <tuple>
 
+#include "plainText.h"
 #include "session.h"
 
 namespace zephlane::tool {
@@ -107,6 +108,15 @@ std::string ReadString(redisContext* ctx, const std::string& key) {
 
 std::string ReadField(redisContext* ctx, const std::string& key, const char* field) {
   return Taken(zephlaneGetHashFieldV21(ctx, key.c_str(), field));
+}
+
+std::string ObjectText(redisContext* ctx, const std::string& key, Kind kind) {
+  std::string text;
+  for (const Pair& pair : ReadObject(ctx, key, kind)) {
+    if (kind == Kind::kHash) { text += Printable(pair.name) + " = "; }
+    text += Printable(pair.value) + "\n";
+  }
+  return text;
 }
 
 }  // namespace zephlane::tool

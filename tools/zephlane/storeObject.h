@@ -26,6 +26,9 @@ struct Pair {
 // A hash by field name, a set by member, a list in its order; empty for anything else.
 [[nodiscard]] std::vector<Pair> ReadObject(redisContext* ctx, const std::string& key, Kind kind);
 
+// An object in lines: "field = value", members or items.
+[[nodiscard]] std::string ObjectText(redisContext* ctx, const std::string& key, Kind kind);
+
 // A string key's value; empty when it is none.
 [[nodiscard]] std::string ReadString(redisContext* ctx, const std::string& key);
 

@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include "plainText.h"
+#include "schemaNames.h"
 #include "session.h"
 #include "storeObject.h"
 #include "treeLoader.h"
@@ -37,11 +38,6 @@ constexpr char kFooter[] =
 bool WantsColours(const Console& console) {
   const char* refusal = std::getenv("NO_COLOR");
   return console.OutIsTerminal() && (refusal == nullptr || *refusal == '\0');
-}
-
-std::string FindSchema(redisContext* ctx, const std::string& title) {
-  char id[ZEPHLANE_VALUE_SIZE] = "";
-  return zephlaneGetSchemaTypeIdByTitle(ctx, title.c_str(), id) == 0 ? id : "";
 }
 
 // A definition by the name that trees give it: the schema's title, a slash and its own name.

@@ -21,5 +21,12 @@ void AddTree(CLI::App& app, Verb& run);
 void AddGet(CLI::App& app, Verb& run);
 void AddType(CLI::App& app, Verb& run);
 void AddUuid(CLI::App& app, Verb& run);
+void AddAnnotate(CLI::App& app, Verb& run);
+void AddValidate(CLI::App& app, Verb& run);
+void AddRm(CLI::App& app, Verb& run);
+void AddTask(CLI::App& app, Verb& run);
+void AddHook(CLI::App& app, Verb& run);
+void AddEvent(CLI::App& app, Verb& run);
+void AddWatch(CLI::App& app, Verb& run);
 
 }  // namespace zephlane::tool
