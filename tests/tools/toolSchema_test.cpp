@@ -149,6 +149,16 @@ TEST_F(ToolValidate, SaysWhichPatternIsNotMatched) {
       "additional properties are not allowed\n");
 }
 
+TEST_F(ToolValidate, SaysThatThePatternIsNoExpression) {
+  Ask({"HSET", kFan, "Colour", "red"});
+  Ask({"HSET", Id(3), "patternProperties", Id(7)});
+  Ask({"HSET", Id(7), "^(C", Id(6)});
+  ForbidAdditional();
+  ExpectInvalid(
+      "Property:    Colour: not defined; the pattern ^(C is no regular expression; "
+      "additional properties are not allowed\n");
+}
+
 TEST_F(ToolValidate, SaysThatOneOfSeveralPatternsIsNeverUsed) {
   Ask({"HSET", kFan, "Colour", "red"});
   Ask({"HSET", Id(3), "patternProperties", Id(7)});

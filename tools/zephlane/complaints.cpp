@@ -2,13 +2,14 @@
 #include "complaints.h"
 
 #include <fcntl.h>
+#include <regex.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <memory>
 
 #include <fmt/format.h>
 
+#include "heapText.h"
 #include "plainText.h"
 #include "storeObject.h"
 #include "treeWords.h"
@@ -35,12 +36,6 @@ class Hush {
   Console& console_;
 };
 
-struct FreeProperty {
-  void operator()(UnknownProperty* property) const noexcept {
-    std::free(property);
-  }
-};
-
 // Properties that the definition does not name.
 std::vector<std::string> FindUnknown(redisContext* ctx, const std::string& key,
                                      const std::string& type) {
@@ -48,7 +43,7 @@ std::vector<std::string> FindUnknown(redisContext* ctx, const std::string& key,
   UnknownProperty* last = nullptr;
   (void)validateProperties(ctx, key.c_str(), type.c_str(), &first, &last);
   std::vector<std::string> names;
-  std::unique_ptr<UnknownProperty, FreeProperty> property(first);
+  std::unique_ptr<UnknownProperty, Free> property(first);
   while (property) {
     names.emplace_back(property->aName);
     property.reset(property->next);
@@ -63,7 +58,13 @@ std::string PatternReason(redisContext* ctx, const std::string& type) {
   if (patterns.size() != 1) {
     return fmt::format("there are {} patterns, of which none is used", patterns.size());
   }
-  return fmt::format("it does not match the pattern {}", Printable(patterns.front().name));
+  const std::string& pattern = patterns.front().name;
+  regex_t compiled;
+  if (regcomp(&compiled, pattern.c_str(), REG_EXTENDED | REG_NOSUB) != 0) {
+    return fmt::format("the pattern {} is no regular expression", Printable(pattern));
+  }
+  regfree(&compiled);
+  return fmt::format("it does not match the pattern {}", Printable(pattern));
 }
 
 std::string AcceptedValues(const std::string& type) {

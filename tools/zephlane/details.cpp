@@ -2,10 +2,10 @@
 #include "details.h"
 
 #include <array>
-#include <cstdlib>
 #include <new>
 #include <utility>
 
+#include "heapText.h"
 #include "plainText.h"
 #include "storeObject.h"
 
@@ -16,12 +16,6 @@ namespace {
 constexpr std::array kEventLinks = {"Events", "MessageArgs", "OriginOfCondition"};
 constexpr char kRecords[] = "Events";
 constexpr std::size_t kIndent = 2;
-
-struct FreeText {
-  void operator()(char* text) const noexcept {
-    std::free(text);
-  }
-};
 
 Json Made(json_t* value) {
   if (value == nullptr) { throw std::bad_alloc(); }
@@ -166,7 +160,7 @@ std::string IndentedText(const json_t* details) {
 }
 
 std::string JsonLine(const json_t* value) {
-  const std::unique_ptr<char, FreeText> text(json_dumps(value, JSON_COMPACT | JSON_ENCODE_ANY));
+  const HeapText text(json_dumps(value, JSON_COMPACT | JSON_ENCODE_ANY));
   if (!text) { throw std::bad_alloc(); }
   return text.get();
 }

@@ -2,7 +2,6 @@
 //
 // event send and event show.
 #include <array>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "details.h"
+#include "heapText.h"
 #include "plainText.h"
 #include "session.h"
 #include "storeObject.h"
@@ -38,12 +38,6 @@ struct EventOptions {
   std::string origin;
 };
 
-struct FreeText {
-  void operator()(char* text) const noexcept {
-    std::free(text);
-  }
-};
-
 // Precondition: the text fits, which the options' checks see to.
 template <std::size_t kSize>
 void Copy(char (&out)[kSize], const std::string& text) {
@@ -62,7 +56,7 @@ std::vector<Argument> Arguments(const std::vector<std::string>& texts) {
 }
 
 // Writes the event with its record; the UUID, or null when it could not be stored.
-std::unique_ptr<char, FreeText> Prepare(redisContext* ctx, const EventOptions& options) {
+HeapText Prepare(redisContext* ctx, const EventOptions& options) {
   std::vector<Argument> arguments = Arguments(options.arguments);
   const auto record = std::make_unique<EventRecord>();
   Copy(record->MemberId, kOnlyMember);
@@ -73,7 +67,7 @@ std::unique_ptr<char, FreeText> Prepare(redisContext* ctx, const EventOptions& o
   Copy(record->OriginOfCondition, options.origin);
   record->MessageArgsCount = static_cast<int>(arguments.size());
   record->MessageArgs = reinterpret_cast<char(*)[ZEPHLANE_VALUE_SIZE]>(arguments.data());
-  return std::unique_ptr<char, FreeText>(
+  return HeapText(
       zephlanePrepareEventObject(ctx, options.name.c_str(), options.oem.c_str(), record.get(), 1));
 }
 

@@ -2,10 +2,10 @@
 #include "storeObject.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 #include <tuple>
 
+#include "heapText.h"
 #include "plainText.h"
 #include "session.h"
 
@@ -13,17 +13,11 @@ namespace zephlane::tool {
 
 namespace {
 
-struct Free {
-  void operator()(void* memory) const noexcept {
-    std::free(memory);
-  }
-};
-using Text = std::unique_ptr<char, Free>;
 template <typename Item>
 using Array = std::unique_ptr<Item[], Free>;
 
 std::string Taken(char* text) {
-  const Text owner(text);
+  const HeapText owner(text);
   return owner ? std::string(owner.get()) : std::string();
 }
 

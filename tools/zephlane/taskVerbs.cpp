@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
 // task create, task update and task show.
-#include <cstdlib>
 #include <memory>
 #include <string>
 
 #include <fmt/format.h>
 
+#include "heapText.h"
 #include "plainText.h"
 #include "session.h"
 #include "storeObject.h"
@@ -30,16 +30,10 @@ struct UpdateOptions {
   std::string state;
 };
 
-struct FreeText {
-  void operator()(char* text) const noexcept {
-    std::free(text);
-  }
-};
-
 int CreateTask(Console& console, const CreateOptions& options) {
   const Session session = OpenSession(console);
   if (!session) { return kExitFailed; }
-  const std::unique_ptr<char, FreeText> task(zephlaneCreateAsyncTask(
+  const HeapText task(zephlaneCreateAsyncTask(
       session.get(), options.has_argument ? options.argument.c_str() : nullptr,
       options.channel.c_str()));
   if (!StillConnected(console, session.get())) { return kExitFailed; }
