@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Sending: the only place that calls redisvCommand, redisCommandArgv and redisAppendCommandArgv.
+// Commands as words: read out of a format, or gathered in a vector.
 #include "redis/command.h"
 
 #include <charconv>
@@ -29,8 +29,8 @@ class FormattedWords {
   }
   // False for another form, for too many words, or when memory is out.
   [[nodiscard]] bool Take(std::string_view format) noexcept;
-  [[nodiscard]] void* Send(redisContext* ctx) noexcept {
-    return redisCommandArgv(ctx, static_cast<int>(size_), words_, lengths_);
+  [[nodiscard]] RequestWords Words() const noexcept {
+    return {words_, lengths_, size_};
   }
 
  private:
@@ -51,11 +51,16 @@ class FormattedWords {
 };
 
 bool FormattedWords::Take(std::string_view format) noexcept {
-  Tokenizer words(format);
-  for (std::string_view word = words.Next(" "); !word.empty(); word = words.Next(" ")) {
-    if (!TakeWord(word)) { return false; }
+  // By hand: it is done for each command, and a search for each word costs more than the words.
+  const char* at = format.data();
+  const char* const end = at + format.size();
+  while (true) {
+    while (at != end && *at == ' ') { ++at; }
+    if (at == end) { return true; }
+    const char* const begin = at;
+    while (at != end && *at != ' ') { ++at; }
+    if (!TakeWord({begin, static_cast<std::size_t>(at - begin)})) { return false; }
   }
-  return true;
 }
 
 bool FormattedWords::TakeWord(std::string_view word) noexcept {
@@ -65,7 +70,7 @@ bool FormattedWords::TakeWord(std::string_view word) noexcept {
   }
   if (word == "%d") { return AddNumber(va_arg(arguments_, int)); }
   if (word == "%u") { return AddNumber(va_arg(arguments_, unsigned int)); }
-  return !Contains(word, "%") && Add(word);
+  return word.find('%') == std::string_view::npos && Add(word);
 }
 
 bool FormattedWords::Add(std::string_view word) noexcept {
@@ -101,13 +106,13 @@ Reply Command(redisContext* ctx, const char* format, ...) {
   va_start(arguments, format);
   FormattedWords words(arguments);
   va_end(arguments);
-  return Reply(words.Take(format) ? words.Send(ctx) : nullptr);
+  return words.Take(format) ? Exchange(ctx, words.Words()) : Reply(nullptr);
 }
 
 Reply CommandOfText(redisContext* ctx, const char* text, ...) {
   std::va_list none;
   va_start(none, text);
-  Reply reply(redisvCommand(ctx, text, none));
+  Reply reply = ExchangeFormatted(ctx, text, none);
   va_end(none);
   return reply;
 }
@@ -128,8 +133,8 @@ std::size_t WordCount(std::size_t per_item, std::size_t count) noexcept {
 ArgumentVector::ArgumentVector(const char* word, const char* key, std::size_t per_item,
                                std::size_t count) noexcept
     : capacity_(WordCount(per_item, count)),
-      words_(ZeroedArray<const char*>(capacity_)),
-      lengths_(words_ ? ZeroedArray<std::size_t>(capacity_) : nullptr) {
+      words_(UnfilledArray<const char*>(capacity_)),
+      lengths_(words_ ? UnfilledArray<std::size_t>(capacity_) : nullptr) {
   Add(word);
   Add(key);
 }
@@ -155,19 +160,17 @@ void ArgumentVector::AddAll(const SetData* items, std::size_t count) noexcept {
 
 Reply ArgumentVector::Send(redisContext* ctx) && noexcept {
   if (!*this) { return Reply(nullptr); }
-  Reply reply(redisCommandArgv(ctx, static_cast<int>(size_), words_.get(), lengths_.get()));
+  Reply reply = Exchange(ctx, {words_.get(), lengths_.get(), size_});
   words_.reset();
   lengths_.reset();
   return reply;
 }
 
 bool ArgumentVector::Append(redisContext* ctx) && noexcept {
-  if (!*this) { return false; }
-  const int status =
-      redisAppendCommandArgv(ctx, static_cast<int>(size_), words_.get(), lengths_.get());
+  const bool queued = *this && Queue(ctx, {words_.get(), lengths_.get(), size_});
   words_.reset();
   lengths_.reset();
-  return status == REDIS_OK;
+  return queued;
 }
 
 }  // namespace zephlane

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <string>
 
-#include "redis/reply.h"
+#include "redis/request.h"
 #include "support/owners.h"
 
 #include <zephlaneAPI/types.h>

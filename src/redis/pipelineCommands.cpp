@@ -8,6 +8,7 @@
 using zephlane::ArgumentVector;
 using zephlane::kDone;
 using zephlane::kFailed;
+using zephlane::NextReply;
 using zephlane::Reply;
 
 namespace {
@@ -60,13 +61,13 @@ int pipelineReceiveReply(redisContext* ctx, unsigned int nReplies) {
   unsigned int failed_reads = 0;
   // Reading goes on after a refusal, so that every queued reply is consumed.
   for (unsigned int received = 0; received < nReplies;) {
-    void* raw = nullptr;
+    const Reply reply = NextReply(ctx);
     // A non-blocking connection may have no reply yet: that is a failed read too.
-    if (redisGetReply(ctx, &raw) != REDIS_OK || raw == nullptr) {
+    if (!reply) {
       if (++failed_reads == kMaximumFailedReads) { return kFailed; }
       continue;
     }
-    refused = IsRefusal(Reply(raw)) || refused;
+    refused = IsRefusal(reply) || refused;
     ++received;
   }
   return refused ? kFailed : kDone;

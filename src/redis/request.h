@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+//
+// A command on its way to the server and its reply on the way back. Redis may have gone: writing to
+// a closed connection raises no SIGPIPE here, since the signal would end a caller that never asked
+// for it.
+#pragma once
+
+#include <cstdarg>
+#include <cstddef>
+
+#include "redis/reply.h"
+
+namespace zephlane {
+
+// The words of a command, borrowed: parallel arrays, as hiredis takes them.
+struct RequestWords {
+  const char* const* texts;
+  const std::size_t* lengths;
+  std::size_t count;
+};
+
+// Sends the words as one command and waits for its reply.
+[[nodiscard]] Reply Exchange(redisContext* ctx, const RequestWords& words) noexcept;
+
+// The same for a printf-style command as hiredis itself reads it.
+[[nodiscard]] Reply ExchangeFormatted(redisContext* ctx, const char* format,
+                                      std::va_list arguments) noexcept;
+
+// Queues the words as one command. False when memory is out.
+[[nodiscard]] bool Queue(redisContext* ctx, const RequestWords& words) noexcept;
+
+// Sends what is queued and waits for the next reply.
+[[nodiscard]] Reply NextReply(redisContext* ctx) noexcept;
+
+}  // namespace zephlane
