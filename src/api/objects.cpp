@@ -26,9 +26,10 @@ constexpr std::size_t kMaximumHashKeyLength = kValueSize - kCompanionSuffix.size
 
 // Deletes the companion hash that gives `key` its time-to-live, if there is one.
 // Precondition: `key` is shorter than kValueSize.
-void DeleteCompanion(redisContext* ctx, const char* key) {
+void DeleteCompanion(redisContext* ctx, std::string_view key) {
   char companion[kValueSize + kCompanionSuffix.size()];
-  (void)std::snprintf(companion, sizeof(companion), "%s%s", key, kCompanionSuffix.data());
+  CopyCounted(companion, key);
+  CopyCut(std::span(companion).subspan(key.size()), kCompanionSuffix);
   if (getHashField(ctx, companion, kTtlSecondsField, nullptr) == kDone) {
     (void)deleteKey(ctx, companion);
   }

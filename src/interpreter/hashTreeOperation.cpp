@@ -9,11 +9,11 @@
 #include <algorithm>
 #include <atomic>
 #include <cctype>
-#include <cinttypes>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <functional>
+#include <optional>
 
 #include "interpreter/typeNames.h"
 #include "support/owners.h"
@@ -113,13 +113,33 @@ bool IsFixedId(std::string_view uuid) {
   return uuid.starts_with(kRootServices) || uuid == kRootServiceId || uuid == kSchemaIndexId;
 }
 
+// The prefix and eleven hexadecimal digits, which fill the room of an ID.
+void WriteObjectId(char* out, std::string_view prefix, std::uint32_t counter) {
+  static_assert(sizeof(kHashIdPrefix) == sizeof(kSetIdPrefix) &&
+                sizeof(kHashIdPrefix) + 11 == kIdSize);
+  CopyCounted(out, prefix);
+  for (std::size_t place = kIdLength; place > prefix.size(); --place, counter >>= 4) {
+    out[place - 1] = "0123456789abcdef"[counter & 0xf];
+  }
+}
+
+// The pattern of given IDs, compiled at its first use; null when that failed: the next use tries
+// again. Compiling it costs as much as a round trip, and a run checks many IDs.
+const regex_t* UuidExpression() {
+  static pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+  static std::optional<Regex> expression;
+  const MutexHold hold(mutex);
+  if (!expression || !*expression) { expression.emplace(kUuidPattern, REG_EXTENDED | REG_NOSUB); }
+  return *expression ? expression->Get() : nullptr;
+}
+
 bool IsUuidText(const char* uuid) {
-  const Regex pattern(kUuidPattern, REG_EXTENDED | REG_NOSUB);
-  if (!pattern) {
+  const regex_t* expression = UuidExpression();
+  if (!expression) {
     InterpreterError{kSource}("regcomp() fail\n\n");
     return false;
   }
-  if (isInvalidUUID(pattern.Get(), uuid)) {
+  if (isInvalidUUID(expression, uuid)) {
     InterpreterError{kSource}("Invalid UUID!\n\nInvalid: %s\nValid pattern: %s\n\n", uuid,
                               kUuidPattern);
     return false;
@@ -189,11 +209,9 @@ char* generateRedisDataObjectID(int nKind) {
   zephlane::CArray<char> id = zephlane::ZeroedArray<char>(zephlane::kIdSize);
   if (!id) { return nullptr; }
   if (nKind == zephlane::kHashKind) {
-    (void)std::snprintf(id.get(), zephlane::kIdSize, "%s%.11" PRIx32, zephlane::kHashIdPrefix,
-                        zephlane::G_nRedisHashIDCounter);
+    zephlane::WriteObjectId(id.get(), zephlane::kHashIdPrefix, zephlane::G_nRedisHashIDCounter);
   } else if (nKind == zephlane::kSetKind) {
-    (void)std::snprintf(id.get(), zephlane::kIdSize, "%s%.11" PRIx32, zephlane::kSetIdPrefix,
-                        zephlane::G_nRedisSetIDCounter);
+    zephlane::WriteObjectId(id.get(), zephlane::kSetIdPrefix, zephlane::G_nRedisSetIDCounter);
   }
   return id.release();
 }

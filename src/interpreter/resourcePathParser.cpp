@@ -39,7 +39,12 @@ constexpr std::size_t kFormerSize = 2400;
 constexpr char kDefaultDirectory[] = "/tmp/FOSS_schema/";
 
 bool HasSchemaExtension(std::string_view text) {
-  return Contains(text, ".json") || Contains(text, ".JSON") || Contains(text, ".Json");
+  for (std::size_t dot = text.find('.'); dot != std::string_view::npos;
+       dot = text.find('.', dot + 1)) {
+    const std::string_view extension = text.substr(dot, 5);
+    if (extension == ".json" || extension == ".JSON" || extension == ".Json") { return true; }
+  }
+  return false;
 }
 
 // Sets `text` to the component that is a schema file name. The first component is never looked at,

@@ -3,7 +3,7 @@
 // Turns a JSON array of a schema into a set: simple elements as their text, objects as the ID of
 // their own hash or as a reference. A "type" list is no set but one joined text.
 // A report's number is the message's own. Nothing written before a failure is undone.
-#include <cstdio>
+#include <charconv>
 #include <cstring>
 
 #include "interpreter/hashTreeOperation.h"
@@ -23,7 +23,9 @@ constexpr char kSource[] = "schemaArrayParser.cpp";
 class ElementName {
  public:
   explicit ElementName(std::size_t index) noexcept {
-    (void)std::snprintf(text_, sizeof(text_), "INDEX_%zu", index);
+    constexpr std::string_view kPrefix = "INDEX_";
+    CopyCounted(text_, kPrefix);
+    *std::to_chars(text_ + kPrefix.size(), text_ + sizeof(text_) - 1, index).ptr = '\0';
   }
   [[nodiscard]] const char* Get() const noexcept {
     return text_;

@@ -7,6 +7,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -430,9 +431,13 @@ void parserRouteConcatRoute(const RouteSpot* aHead, const char* aSchemaName, cha
     return;
   }
   if (!aSchemaName || !aOut || nOutSize == 0) { return; }
-  (void)std::snprintf(aOut, nOutSize, "%s#", aSchemaName);
-  // What follows is not bounded by nOutSize: callers give room for the route they have.
-  char* end = aOut + std::strlen(aOut);
+  // The start is cut at nOutSize. What follows it is not bounded: callers give room for the route
+  // they have.
+  const std::size_t name_length = std::min(std::strlen(aSchemaName), nOutSize - 1);
+  zephlane::CopyCounted(aOut, {aSchemaName, name_length});
+  char* end = aOut + name_length;
+  if (name_length + 1 < nOutSize) { *end++ = '#'; }
+  *end = '\0';
   for (const RouteSpot* spot = aHead; spot; spot = spot->next) {
     if (zephlane::IsSilentSpot(*spot)) { continue; }
     const std::string_view name = spot->name;
