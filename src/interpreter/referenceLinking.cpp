@@ -22,22 +22,17 @@
 
 namespace zephlane {
 
-// One recorded reference, with the split reference text at its end.
-struct SchemaReference {
-  char schemaName[200];  // the schema in which the reference stands
-  char routeText[kValueSize];
-  char destinationID[kIdSize];
-  char fieldName[kValueSize];  // empty: the destination is a set
-  char referenceText[kValueSize];
-  ResourcePath resourcePath;
-};
-
 namespace {
 
 constexpr char kSource[] = "referenceLinking.cpp";
 constexpr std::size_t kSlots = 4000;
 constexpr std::size_t kReferenceSlots = 3600;
 constexpr std::size_t kShortText = sizeof(Replacement::value);
+
+// Room for the texts of a record, each with its terminator.
+constexpr std::size_t kSchemaNameSize = sizeof(ResourcePath::schemaName);
+constexpr std::size_t kRecordSize =
+    kSchemaNameSize + kValueSize + kIdSize + kValueSize + kValueSize + sizeof(ResourcePath);
 
 // The slots below 3600 hold references, those from there on message parameters. Filled by the
 // parsers and read by linking, both in the interpreting thread; only the count may be read by
@@ -46,11 +41,24 @@ SchemaReference references[kSlots];
 char in_use[kSlots];
 std::atomic<unsigned int> recorded_references = 0;
 
+// The texts of the records, one behind the other: there is room for the longest of each, and a run
+// touches only what its texts need. Records are never freed individually.
+char texts[kSlots * kRecordSize];
+char* free_texts = texts;
+
+// Precondition: a free slot, and a text that fits a record.
+const char* Keep(std::string_view text) {
+  char* kept = free_texts;
+  CopyCounted(kept, text);
+  kept[text.size()] = '\0';
+  free_texts += text.size() + 1;
+  return kept;
+}
+
 bool FitsRecord(const char* schema_name, const char* route_text, const char* reference_text,
                 const ResourcePath& path) {
-  return std::strlen(route_text) < sizeof(SchemaReference::routeText) &&
-         std::strlen(schema_name) < sizeof(SchemaReference::schemaName) &&
-         std::strlen(reference_text) < sizeof(SchemaReference::referenceText) &&
+  return std::strlen(route_text) < kValueSize && std::strlen(schema_name) < kSchemaNameSize &&
+         std::strlen(reference_text) < kValueSize &&
          BoundedText(path.path).size() < sizeof(path.path) &&
          BoundedText(path.schemaName).size() < sizeof(path.schemaName) &&
          BoundedText(path.propertyPath).size() < sizeof(path.propertyPath) &&
@@ -174,14 +182,14 @@ void LinkReference(redisContext* ctx, const SchemaReference& reference) {
     InterpreterError{kSource, 894}("Can't get replace information ..... \n");
     return;
   }
-  const ResourcePath& path = reference.resourcePath;
-  const auto replacement = getReferencePathReplaceData(ctx, &path);
+  const ReferenceTarget& target = reference.target;
+  const auto replacement = getReferencePathReplaceData(ctx, &target);
   if (!replacement) {
     InterpreterError{kSource,
                      904}("Something wrong while getting replace data from reference path\n");
-    InterpreterError{kSource, 905}("Reference path: %s\n", path.path);
-    InterpreterError{kSource, 906}("Schema name: %s\n", path.schemaName);
-    InterpreterError{kSource, 907}("Dest property: %s\n", path.propertyPath);
+    InterpreterError{kSource, 905}("Reference path: %s\n", target.path);
+    InterpreterError{kSource, 906}("Schema name: %s\n", target.schemaName);
+    InterpreterError{kSource, 907}("Dest property: %s\n", target.propertyPath);
     return;
   }
   (void)referenceValueReplacement(ctx, replacement.get(), destination.get());
@@ -230,25 +238,24 @@ CRecord<PlaceholderLocation> getPropLocationReplaceData(redisContext* ctx,
   return location;
 }
 
-CRecord<Replacement> getReferencePathReplaceData(redisContext* ctx,
-                                                 const ResourcePath* resource_path) {
-  if (!ctx || !resource_path) {
+CRecord<Replacement> getReferencePathReplaceData(redisContext* ctx, const ReferenceTarget* target) {
+  if (!ctx || !target) {
     ReportNullArgument("getReferencePathReplaceData", 174);
     return nullptr;
   }
-  const char* root_id = InternalizedHashId(resource_path->schemaName, 181, 188);
+  const char* root_id = InternalizedHashId(target->schemaName, 181, 188);
   if (!root_id) { return nullptr; }
   auto replacement = ZeroedRecord<Replacement>();
   if (!replacement) {
     InterpreterError{kSource, 210}("malloc failed !!!\n");
     return nullptr;
   }
-  if (resource_path->propertyPath[0] == '\0') {
+  const std::string_view property_path = target->propertyPath;
+  if (property_path.empty()) {
     if (CopyWhole(replacement->value, root_id)) { return replacement; }
     InterpreterError{kSource, 225}("schema hash id length is too long !!!\n");
     return nullptr;
   }
-  const std::string_view property_path = BoundedText(resource_path->propertyPath);
   switch (WalkPath(ctx, root_id, property_path, replacement.get())) {
     case WalkResult::kDone:
       return replacement;
@@ -283,12 +290,9 @@ using zephlane::InterpreterError;
 using zephlane::kSource;
 
 void schemaReferenceListInit(void) {
-  // Only records that were used hold anything; the others stay untouched.
-  for (std::size_t i = 0; i < zephlane::kSlots; ++i) {
-    if (!zephlane::in_use[i]) { continue; }
-    std::memset(&zephlane::references[i], 0, sizeof(zephlane::references[i]));
-    zephlane::in_use[i] = 0;
-  }
+  // Records that are not in use are never looked at, so they need not be cleared.
+  std::memset(zephlane::in_use, 0, sizeof(zephlane::in_use));
+  zephlane::free_texts = zephlane::texts;
   zephlane::recorded_references = 0;
 }
 
@@ -317,8 +321,8 @@ int schemaRefListInsertEntry(const char* aDestinationID, const char* aSchemaName
     return -1;
   }
   const char* field = aFieldName ? aFieldName : "";
-  if (std::strlen(field) >= sizeof(zephlane::SchemaReference::fieldName) ||
-      std::strlen(aDestinationID) >= sizeof(zephlane::SchemaReference::destinationID)) {
+  if (std::strlen(field) >= zephlane::kValueSize ||
+      std::strlen(aDestinationID) >= zephlane::kIdSize) {
     InterpreterError{kSource, 755}("PropLocation buffer size!\n");
     return -1;
   }
@@ -326,17 +330,16 @@ int schemaRefListInsertEntry(const char* aDestinationID, const char* aSchemaName
     InterpreterError{kSource, 765}("referPath buffer size!\n");
     return -1;
   }
-  zephlane::SchemaReference& entry = zephlane::references[slot];
-  zephlane::CopyCut(entry.schemaName, aSchemaName);
-  zephlane::CopyCut(entry.routeText, aRouteText);
-  zephlane::CopyCut(entry.destinationID, aDestinationID);
-  zephlane::CopyCut(entry.fieldName, field);
-  zephlane::CopyCut(entry.referenceText, aReferenceText);
   const ResourcePath& path = *aResourcePath;
-  zephlane::CopyCut(entry.resourcePath.path, path.path);
-  zephlane::CopyCut(entry.resourcePath.prefix, path.prefix);
-  zephlane::CopyCut(entry.resourcePath.schemaName, path.schemaName);
-  zephlane::CopyCut(entry.resourcePath.propertyPath, path.propertyPath);
+  zephlane::references[slot] = {
+      zephlane::Keep(aSchemaName),
+      zephlane::Keep(aRouteText),
+      zephlane::Keep(aDestinationID),
+      zephlane::Keep(field),
+      zephlane::Keep(aReferenceText),
+      {zephlane::Keep(path.path), zephlane::Keep(path.prefix), zephlane::Keep(path.schemaName),
+       zephlane::Keep(path.propertyPath)},
+  };
   zephlane::in_use[slot] = 1;
   ++zephlane::recorded_references;
   return 0;

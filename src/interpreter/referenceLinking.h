@@ -11,7 +11,23 @@
 
 namespace zephlane {
 
-struct SchemaReference;
+// The schema file and the property in it that a reference names.
+struct ReferenceTarget {
+  const char* path;  // as it stands in the reference
+  const char* prefix;
+  const char* schemaName;
+  const char* propertyPath;  // empty: the whole file
+};
+
+// One recorded reference.
+struct SchemaReference {
+  const char* schemaName;  // the schema in which it stands
+  const char* routeText;
+  const char* destinationID;
+  const char* fieldName;  // empty: the destination is a set
+  const char* referenceText;
+  ReferenceTarget target;
+};
 
 // Where a placeholder stands.
 struct PlaceholderLocation {
@@ -31,7 +47,7 @@ struct Replacement {
 [[nodiscard]] CRecord<PlaceholderLocation> getPropLocationReplaceData(
     redisContext* ctx, const SchemaReference* reference);
 [[nodiscard]] CRecord<Replacement> getReferencePathReplaceData(redisContext* ctx,
-                                                               const ResourcePath* resource_path);
+                                                               const ReferenceTarget* target);
 // 0 or -1.
 int referenceValueReplacement(redisContext* ctx, const Replacement* replacement,
                               const PlaceholderLocation* destination);

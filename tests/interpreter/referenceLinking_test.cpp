@@ -14,6 +14,7 @@
 namespace {
 
 using zephlane::PlaceholderLocation;
+using zephlane::ReferenceTarget;
 using zephlane::Replacement;
 using zephlane::test::ExtensionReport;
 using zephlane::test::LinkingReport;
@@ -429,16 +430,13 @@ TEST_F(Linking, PutsAtMost37CharactersIntoASet) {
 
 class ReferencePath : public ParserTest {
  protected:
-  // The record of a pointer into Thing.json, filled up to `length` characters.
-  static ResourcePath Pointer(std::size_t length) {
-    ResourcePath path{};
-    (void)std::snprintf(path.schemaName, sizeof(path.schemaName), "Thing.json");
-    std::memset(path.propertyPath, 'x', length);
-    return path;
+  // A pointer into Thing.json.
+  static ReferenceTarget Pointer(const std::string& property_path) {
+    return {"", "", "Thing.json", property_path.c_str()};
   }
-  Outcome Resolve(const ResourcePath* path, Replacement* out = nullptr) {
+  Outcome Resolve(const ReferenceTarget* target, Replacement* out = nullptr) {
     return Observe([&] {
-      const auto replacement = zephlane::getReferencePathReplaceData(ctx(), path);
+      const auto replacement = zephlane::getReferencePathReplaceData(ctx(), target);
       if (replacement && out != nullptr) { *out = *replacement; }
       return replacement ? 0 : 1;
     });
@@ -448,36 +446,35 @@ class ReferencePath : public ParserTest {
 TEST_F(ReferencePath, YieldsTheLastStepItsHashAndItsValue) {
   ASSERT_EQ(Ask({"HSET", Root(), "definitions", "defs"}), "1");
   ASSERT_EQ(Ask({"HSET", "defs", "A", "hash A"}), "1");
-  ResourcePath path = Pointer(0);
-  (void)std::snprintf(path.propertyPath, sizeof(path.propertyPath), "#/definitions/A");
+  const std::string path = "#/definitions/A";
+  const ReferenceTarget target = Pointer(path);
   Replacement replacement{};
-  EXPECT_EQ(Resolve(&path, &replacement).result, 0);
+  EXPECT_EQ(Resolve(&target, &replacement).result, 0);
   EXPECT_STREQ(replacement.lastToken, "A");
   EXPECT_STREQ(replacement.hashID, "defs");
   EXPECT_STREQ(replacement.value, "hash A");
 }
 
 TEST_F(ReferencePath, StepOf199CharactersIsTheLongest) {
-  ASSERT_EQ(Ask({"HSET", Root(), std::string(199, 'x'), "value"}), "1");
-  ResourcePath path = Pointer(199);
-  EXPECT_EQ(Resolve(&path).result, 0);
-  // A pointer that fills its buffer ends with it.
-  const struct {
-    ResourcePath path;
-    char end;
-  } full = {Pointer(200), '\0'};
-  const Outcome outcome = Resolve(&full.path);
+  const std::string longest(199, 'x');
+  const std::string too_long(200, 'x');
+  ASSERT_EQ(Ask({"HSET", Root(), longest, "value"}), "1");
+  ReferenceTarget target = Pointer(longest);
+  EXPECT_EQ(Resolve(&target).result, 0);
+  target = Pointer(too_long);
+  const Outcome outcome = Resolve(&target);
   EXPECT_EQ(outcome.result, 1);
   EXPECT_EQ(outcome.errors, LinkingReport(275, "Path token length is too long !!!"));
 }
 
 TEST_F(ReferencePath, NullArgumentsAreReported) {
-  const ResourcePath path = Pointer(0);
+  const ReferenceTarget target = Pointer("");
   const std::string report = LinkingReport(174, "getReferencePathReplaceData: argument is NULL !");
   EXPECT_EQ(Resolve(nullptr).errors, report);
-  EXPECT_EQ(
-      Observe([&] { return zephlane::getReferencePathReplaceData(nullptr, &path) ? 1 : 0; }).errors,
-      report);
+  EXPECT_EQ(Observe([&] {
+              return zephlane::getReferencePathReplaceData(nullptr, &target) ? 1 : 0;
+            }).errors,
+            report);
 }
 
 // ---- The replacement

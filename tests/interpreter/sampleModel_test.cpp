@@ -116,13 +116,13 @@ long ResidentKilobytes() {
   return -1;
 }
 
-TEST_F(SampleModel, ResidentMemoryGrowsByLessThanEightMegabytes) {
+TEST_F(SampleModel, ResidentMemoryGrowsByLessThanTwoMegabytes) {
   const long before = ResidentKilobytes();
   ASSERT_EQ(Interpret(), 0);
   const long grown = ResidentKilobytes() - before;
   RecordProperty("grown_kilobytes", std::to_string(grown));
   std::printf("resident memory grew by %ld kB\n", grown);
-  EXPECT_LT(grown, 8 * 1024);
+  EXPECT_LT(grown, 2 * 1024);
 }
 #endif
 
