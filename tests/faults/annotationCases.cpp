@@ -71,7 +71,8 @@ Outcome UnknownProperties(Stage& stage) {
 constexpr FunctionCase kCases[] = {
     {.name = "zephlaneInsertTypeID",
      .content = kTree,
-     .call = [](Stage& s) { return Status(zephlaneInsertTypeID(s.ctx, kInstance, "schema", 0)); }},
+     .call = [](Stage& s) { return Status(zephlaneInsertTypeID(s.ctx, kInstance, "schema", 0)); },
+     .traits = kLeavesParts},
     {.name = "zephlaneGetCollectionSchemaTypeId",
      .content = kTree,
      .call =
@@ -99,25 +100,29 @@ constexpr FunctionCase kCases[] = {
      .call =
          [](Stage& s) {
            return Status(insertTypeID(s.ctx, kInstance, "rootType", "idRefType", 0));
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "addTypeIdfForHash",
      .content = kTree,
      .call =
          [](Stage& s) {
            return Status(addTypeIdfForHash(s.ctx, kChild, "eitherType", "idRefType", 0));
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "addTypeIdfForSet",
      .content = kTree,
      .call =
          [](Stage& s) {
            return Status(addTypeIdfForSet(s.ctx, kSetOfChildren, "setType", "idRefType", 0));
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "addTypeIdfForList",
      .content = kTree,
      .call =
          [](Stage& s) {
            return Status(addTypeIdfForList(s.ctx, kListOfChildren, "listType", "idRefType", 0));
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "zephlaneValidateResponseObject",
      .content = kTested,
      .call = [](Stage& s) { return Status(zephlaneValidateResponseObject(s.ctx, kInstance)); }},

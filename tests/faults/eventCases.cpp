@@ -74,14 +74,16 @@ constexpr FunctionCase kCases[] = {
      .call =
          [](Stage& s) {
            return Status(zephlaneCreateEventObject(s.ctx, "name", "oem", records, 2));
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "zephlanePrepareEventObject",
      .content = kSchema,
      .prepare = FillRecords,
      .call =
          [](Stage& s) {
            return HeapText(zephlanePrepareEventObject(s.ctx, "name", "oem", records, 2), "");
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "zephlaneProcessEventObject",
      .content = kSchema,
      .call = [](Stage& s) { return Status(zephlaneProcessEventObject(s.ctx, "event", 0)); }},
@@ -92,7 +94,8 @@ constexpr FunctionCase kCases[] = {
      .call =
          [](Stage& s) {
            return Status(createEventRecords(s.ctx, "recordType", "newRecords", records, 2));
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "createOriginObject",
      .content = kSchema,
      .call =

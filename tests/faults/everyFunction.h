@@ -37,6 +37,7 @@ enum Trait : unsigned {
   kSubscribes = 1U << 1,    // the connection receives messages only afterwards, until the cleanup
   kSleeps = 1U << 2,        // waits a second
   kLeavesThread = 1U << 3,  // a thread that waits for messages stays behind
+  kLeavesParts = 1U << 4,   // a failure leaves in the store what was written before it
 };
 
 struct FunctionCase {

@@ -120,25 +120,29 @@ constexpr FunctionCase kCases[] = {
      .cleanup = ReleaseSchema},
     {.name = "hashTreeParentInsertItemsSet",
      .prepare = StartTree,
-     .call = [](Stage& s) { return HeapText(hashTreeParentInsertItemsSet(s.ctx, "parent"), ""); }},
+     .call = [](Stage& s) { return HeapText(hashTreeParentInsertItemsSet(s.ctx, "parent"), ""); },
+     .traits = kLeavesParts},
     {.name = "hashTreeParentInsertItemsHash",
      .prepare = StartTree,
      .call =
          [](Stage& s) {
            return HeapText(hashTreeParentInsertItemsHash(s.ctx, "parent", "type", "string"), "");
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "hashTreeParentInsertPropertyHash",
      .prepare = StartTree,
      .call =
          [](Stage& s) {
            return HeapText(hashTreeParentInsertPropertyHash(s.ctx, "parent", "Id", "string"), "");
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "hashTreeParentInsertPropertySet",
      .prepare = StartTree,
      .call =
          [](Stage& s) {
            return HeapText(hashTreeParentInsertPropertySet(s.ctx, "parent", "enum"), "");
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "hashTreeGetHashFieldValue",
      .call =
          [](Stage& s) {

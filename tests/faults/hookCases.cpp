@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Hooks, their queues and Redis channels. A registration leaves a receiver thread behind, which
-// waits in a queue that is no longer named and so for ever.
+// waits for ever in a queue that has no name any more.
 #include <fcntl.h>
 #include <mqueue.h>
 #include <regex.h>
@@ -42,22 +42,38 @@ void FreeTable(Entry*& table) {
   }
 }
 
-// The process as it was before its first hook, except that receivers of former calls still wait.
-void ForgetHooks(Stage& /*stage*/) {
-  FreeTable(zephlaneFunctionTable);
-  FreeTable(zephlaneOemFunctionTable);
-  hookFunctionInitFlag = 0;
-  hookOemFunctionInitFlag = 0;
-  (void)mq_unlink(kPlainQueue);
-  (void)mq_unlink(kOemQueue);
-}
-
 // Messages are longer than ours, so that a sender has to pad them.
 mqd_t OpenOemQueue() {
   mq_attr attributes{};
   attributes.mq_maxmsg = 4;
   attributes.mq_msgsize = 200;
   return mq_open(kOemQueue, O_RDWR | O_CREAT | O_CLOEXEC, 0600, &attributes);
+}
+
+// A queue in which nothing ever arrives, for receivers that start late: without any they would run
+// in circles.
+mqd_t QuietQueue() {
+  static const mqd_t queue = [] {
+    mq_attr attributes{};
+    attributes.mq_maxmsg = 1;
+    attributes.mq_msgsize = 1;
+    const mqd_t opened = mq_open("/quiet", O_RDWR | O_CREAT | O_CLOEXEC, 0600, &attributes);
+    (void)mq_unlink("/quiet");
+    return opened;
+  }();
+  return queue;
+}
+
+// The process as it was before its first hook, except that receivers of former calls still wait.
+void ForgetHooks(Stage& /*stage*/) {
+  FreeTable(zephlaneFunctionTable);
+  FreeTable(zephlaneOemFunctionTable);
+  hookFunctionInitFlag = 0;
+  hookOemFunctionInitFlag = 0;
+  mqID = QuietQueue();
+  OemMqID = QuietQueue();
+  (void)mq_unlink(kPlainQueue);
+  (void)mq_unlink(kOemQueue);
 }
 
 // An OEM hook with its queue, but without a receiver: one whose queue is closed would run for ever.
@@ -119,7 +135,7 @@ constexpr FunctionCase kCases[] = {
                zephlaneHookFunctionRegister(s.ctx, kUuid, program_arguments, PlainHandler));
          },
      .cleanup = ForgetHooks,
-     .traits = kLeavesThread},
+     .traits = kLeavesThread | kLeavesParts},
     {.name = "zephlaneOemHookFunctionRegister",
      .prepare = ForgetHooks,
      .call =
@@ -128,7 +144,7 @@ constexpr FunctionCase kCases[] = {
                zephlaneOemHookFunctionRegister(s.ctx, kUuid, program_arguments, OemHandler));
          },
      .cleanup = ForgetHooks,
-     .traits = kLeavesThread},
+     .traits = kLeavesThread | kLeavesParts},
     {.name = "zephlaneOemHookFunctionUnregister",
      .content = kListed,
      .prepare = RegisterWithoutReceiver,
@@ -138,7 +154,7 @@ constexpr FunctionCase kCases[] = {
          },
      .cleanup =
          [](Stage& s) {
-           if (OemMqID >= 0) { (void)mq_close(std::exchange(OemMqID, -1)); }
+           if (OemMqID >= 0) { (void)mq_close(OemMqID); }  // a call that failed leaves it open
            ForgetHooks(s);
          }},
     {.name = "mappingMsgQueueToUUID",

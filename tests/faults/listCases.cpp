@@ -62,30 +62,36 @@ constexpr FunctionCase kCases[] = {
          [](Stage& s) {
            ValueOut out;
            return StatusAndText(zephlaneListLeftPop(s.ctx, "list", kRoom, out.Get()), out, "first");
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "zephlaneListLeftPopV21",
-     .call = [](Stage& s) { return HeapText(zephlaneListLeftPopV21(s.ctx, "list"), "first"); }},
+     .call = [](Stage& s) { return HeapText(zephlaneListLeftPopV21(s.ctx, "list"), "first"); },
+     .traits = kLeavesParts},
     {.name = "zephlaneListRightPop",
-     .call = [](Stage& s) { return HeapText(zephlaneListRightPop(s.ctx, "list"), "second"); }},
+     .call = [](Stage& s) { return HeapText(zephlaneListRightPop(s.ctx, "list"), "second"); },
+     .traits = kLeavesParts},
     {.name = "zephlaneListBlockLeftPop",
      .call =
          [](Stage& s) {
            ValueOut out;
            return StatusAndText(zephlaneListBlockLeftPop(s.ctx, "list", 1, kRoom, out.Get()), out,
                                 "first");
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "zephlaneListBlockLeftPopV21",
      .call =
          [](Stage& s) {
            PopResult* popped = zephlaneListBlockLeftPopV21(s.ctx, 1, Words(kListKeys), 2);
            return HeapPop(popped, "list", "first");
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "zephlaneListBlockRightPop",
      .call =
          [](Stage& s) {
            PopResult* popped = zephlaneListBlockRightPop(s.ctx, 1, Words(kListKeys), 2);
            return HeapPop(popped, "list", "second");
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "zephlaneLREM",
      .call = [](Stage& s) { return Status(zephlaneLREM(s.ctx, "list", 0, "first")); }},
     {.name = "zephlaneReplaceListItemByIndex",

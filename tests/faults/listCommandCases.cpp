@@ -27,9 +27,11 @@ constexpr FunctionCase kCases[] = {
     {.name = "listIndex",
      .call = [](Stage& s) { return HeapText(listIndex(s.ctx, "list", 0), "first"); }},
     {.name = "listLeftPop",
-     .call = [](Stage& s) { return HeapText(listLeftPop(s.ctx, "list"), "first"); }},
+     .call = [](Stage& s) { return HeapText(listLeftPop(s.ctx, "list"), "first"); },
+     .traits = kLeavesParts},
     {.name = "redisListRightPop",
-     .call = [](Stage& s) { return HeapText(redisListRightPop(s.ctx, "list"), "second"); }},
+     .call = [](Stage& s) { return HeapText(redisListRightPop(s.ctx, "list"), "second"); },
+     .traits = kLeavesParts},
     {.name = "listRightPush",
      .call = [](Stage& s) { return Status(listRightPush(s.ctx, "list", "third")); }},
     {.name = "redisListRightMultiplePush",
@@ -46,12 +48,14 @@ constexpr FunctionCase kCases[] = {
      .call =
          [](Stage& s) {
            return HeapPop(redisListBlockLeftPop(s.ctx, 1, Words(kListKeys), 2), "list", "first");
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "redisListBlockRightPop",
      .call =
          [](Stage& s) {
            return HeapPop(redisListBlockRightPop(s.ctx, 1, Words(kListKeys), 2), "list", "second");
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "lremCmd",
      .call = [](Stage& s) { return Status(lremCmd(s.ctx, "list", 0, "first")); }},
     {.name = "listSET", .call = [](Stage& s) { return Status(listSET(s.ctx, "list", 0, "new")); }},

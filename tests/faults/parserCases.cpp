@@ -93,7 +93,8 @@ constexpr FunctionCase kCases[] = {
     {.name = "parseReferenceSchemaFile",
      .prepare = Hold<kEmpty>,
      .call = [](Stage& s) { return HeapText(parseReferenceSchemaFile(s.ctx, "Chassis.json"), ""); },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "generateSchemaRootHash",
      .prepare = Hold<kWithTypeId>,
      .call =
@@ -101,21 +102,25 @@ constexpr FunctionCase kCases[] = {
            return HeapText(generateSchemaRootHash(s.ctx, HeldValue()),
                            "20000000-0000-0000-0000-0000000000ab");
          },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "parseRootObject",
      .prepare = Hold<kDocument>,
      .call = [](Stage&) { return Status(parseRootObject(HeldSchema(), HeldValue())); },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "parseObject",
      .prepare = Hold<kObject>,
      .call =
          [](Stage&) { return Status(parseObject(HeldSchema(), "items", HeldValue(), HeldRoot())); },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "parseObjectElements",
      .prepare = Hold<kObject>,
      .call =
          [](Stage&) { return Status(parseObjectElements(HeldSchema(), HeldRoot(), HeldValue())); },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "parseFieldWithNonKeywordObject",
      .prepare = Hold<kMembers>,
      .call =
@@ -123,21 +128,24 @@ constexpr FunctionCase kCases[] = {
            return Status(parseFieldWithNonKeywordObject(HeldSchema(), HeldValue(), HeldRoot(),
                                                         "definitions"));
          },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "parseNonKeywordObjectElements",
      .prepare = Hold<kMembers>,
      .call =
          [](Stage&) {
            return Status(parseNonKeywordObjectElements(HeldSchema(), HeldValue(), HeldRoot()));
          },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "parseObjectWithoutFieldName",
      .prepare = Hold<kObject>,
      .call =
          [](Stage&) {
            return Status(parseObjectWithoutFieldName(HeldSchema(), 0, HeldValue(), "elements"));
          },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "parseObjectWithRefField",
      .prepare = Hold<kReference>,
      .call =
@@ -145,26 +153,30 @@ constexpr FunctionCase kCases[] = {
            return Status(
                parseObjectWithRefField(HeldSchema(), kRoute, "Status", HeldValue(), HeldRoot()));
          },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "parseArray",
      .prepare = Hold<kElements>,
      .call =
          [](Stage&) { return Status(parseArray(HeldSchema(), "anyOf", HeldValue(), HeldRoot())); },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "parseArrayElements",
      .prepare = Hold<kElements>,
      .call =
          [](Stage&) {
            return Status(parseArrayElements(HeldSchema(), "anyOf", HeldValue(), "elements"));
          },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "parseSomeOfArrayField",
      .prepare = Hold<kElements>,
      .call =
          [](Stage&) {
            return Status(parseSomeOfArrayField(HeldSchema(), "anyOf", HeldValue(), "elements"));
          },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "isZephlaneExtension",
      .call = [](Stage&) { return Status(isZephlaneExtension("ttl"), 1, 0); }},
     {.name = "isNonKeywordProperty",
@@ -172,14 +184,16 @@ constexpr FunctionCase kCases[] = {
     {.name = "parseZephlaneExtension",
      .prepare = Hold<kDocument>,
      .call = [](Stage&) { return Status(parseZephlaneExtension(HeldSchema(), HeldRoot())); },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "parseRuxoMessageField",
      .prepare = Hold<kMessages>,
      .call =
          [](Stage&) {
            return Status(parseRuxoMessageField(HeldSchema(), HeldValue(), HeldRoot()));
          },
-     .cleanup = ReleaseSchema},
+     .cleanup = ReleaseSchema,
+     .traits = kLeavesParts},
     {.name = "schemaReferenceListInit",
      .prepare = HoldRecordedReference,
      .call =
@@ -209,7 +223,7 @@ constexpr FunctionCase kCases[] = {
      .prepare = [](Stage&) { WriteSchemaFiles(); },
      .call = [](Stage&) { return Status(zephlaneSchemaInterpreter(kRootFile)); },
      .cleanup = ReleaseSchema,
-     .traits = kConnects},
+     .traits = kConnects | kLeavesParts},
     {.name = "zephlaneSchemaInterpreterProgress",
      .prepare = HoldRecordedReference,
      .call =

@@ -44,20 +44,23 @@ constexpr FunctionCase kCases[] = {
      .call =
          [](Stage& s) {
            return Status(zephlaneDeleteSubTree(s.ctx, "tree", "Child", "Members", "Ordered", kEnd));
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "zephlaneDeleteSubTreeV21",
      .content = kTree,
      .call =
          [](Stage& s) {
            return Status(zephlaneDeleteSubTreeV21(s.ctx, "tree", child_fields, kChildFields));
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "deleteAllSpecifiedObjects",
      .content = kTree,
      .call =
          [](Stage& s) {
            return Status(
                deleteAllSpecifiedObjects(s.ctx, "tree", child_fields, kChildFields, "visited"));
-         }},
+         },
+     .traits = kLeavesParts},
     {.name = "zephlaneCreateMultipleObjects",
      .call = [](Stage& s) { return Status(zephlaneCreateMultipleObjects(s.ctx, entries, 3)); }},
     {.name = "zephlaneRenameObjectID",
