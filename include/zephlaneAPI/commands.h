@@ -319,7 +319,7 @@ ZEPHLANE_EXPORT char* listIndex(redisContext* ctx, const char* aListKey, int nIn
  * Takes the first item off a list.
  * @param ctx       connection (borrowed; one thread at a time)
  * @param aListKey  list key (borrowed)
- * @return as listIndex(); an empty item is taken off too
+ * @return as listIndex(); an item that is empty, or for which memory is out, is taken off too
  * @note Prints nothing. Redis: LPOP.
  */
 ZEPHLANE_EXPORT char* listLeftPop(redisContext* ctx, const char* aListKey);
@@ -328,7 +328,7 @@ ZEPHLANE_EXPORT char* listLeftPop(redisContext* ctx, const char* aListKey);
  * Takes the last item off a list.
  * @param ctx       connection (borrowed; one thread at a time)
  * @param aListKey  list key (borrowed)
- * @return as listIndex(); an empty item is taken off too
+ * @return as listIndex(); an item that is empty, or for which memory is out, is taken off too
  * @note Prints nothing. Redis: RPOP.
  */
 ZEPHLANE_EXPORT char* redisListRightPop(redisContext* ctx, const char* aListKey);
@@ -388,7 +388,7 @@ ZEPHLANE_EXPORT int createListTable(redisContext* ctx, const char* aListKey, con
  * @param aListKeys        nCount list keys (borrowed), none NULL
  * @param nCount           number of keys, at least 1
  * @return the list key and the item (caller frees both strings, then the pair); NULL when the time
- *         is up, or on failure
+ *         is up, or on failure, with an item for which memory is out taken off
  * @note Prints nothing. Blocks the calling thread. Redis: BLPOP.
  */
 ZEPHLANE_EXPORT PopResult* redisListBlockLeftPop(redisContext* ctx, unsigned int nTimeoutSeconds,

@@ -33,11 +33,15 @@ extern "C" {
 void* __real_malloc(std::size_t size);
 void* __real_calloc(std::size_t count, std::size_t size);
 void* __real_realloc(void* memory, std::size_t size);
+char* __real_strdup(const char* text);
+char* __real_strndup(const char* text, std::size_t size);
 int __real_regcomp(regex_t* expression, const char* pattern, int flags);
 
 void* __wrap_malloc(std::size_t size);
 void* __wrap_calloc(std::size_t count, std::size_t size);
 void* __wrap_realloc(void* memory, std::size_t size);
+char* __wrap_strdup(const char* text);
+char* __wrap_strndup(const char* text, std::size_t size);
 int __wrap_regcomp(regex_t* expression, const char* pattern, int flags);
 
 void* __wrap_malloc(std::size_t size) {
@@ -52,26 +56,40 @@ void* __wrap_realloc(void* memory, std::size_t size) {
   return FailsNow() ? nullptr : __real_realloc(memory, size);
 }
 
+char* __wrap_strdup(const char* text) {
+  return FailsNow() ? nullptr : __real_strdup(text);
+}
+
+char* __wrap_strndup(const char* text, std::size_t size) {
+  return FailsNow() ? nullptr : __real_strndup(text, size);
+}
+
 int __wrap_regcomp(regex_t* expression, const char* pattern, int flags) {
   return regex_fails ? REG_ESPACE : __real_regcomp(expression, pattern, flags);
 }
 
-// operator new, whose parameter is spelled differently on 32-bit and 64-bit machines.
+// operator new and new[], whose parameter is spelled differently on 32-bit and 64-bit machines.
 #if __SIZEOF_SIZE_T__ == 8
-void* __real__Znwm(std::size_t size);
-void* __wrap__Znwm(std::size_t size);
-void* __wrap__Znwm(std::size_t size) {
-  if (FailsNow()) { throw std::bad_alloc(); }
-  return __real__Znwm(size);
-}
+#define ZEPHLANE_NEW(prefix) prefix##_Znwm
+#define ZEPHLANE_NEW_ARRAY(prefix) prefix##_Znam
 #else
-void* __real__Znwj(std::size_t size);
-void* __wrap__Znwj(std::size_t size);
-void* __wrap__Znwj(std::size_t size) {
-  if (FailsNow()) { throw std::bad_alloc(); }
-  return __real__Znwj(size);
-}
+#define ZEPHLANE_NEW(prefix) prefix##_Znwj
+#define ZEPHLANE_NEW_ARRAY(prefix) prefix##_Znaj
 #endif
+
+void* ZEPHLANE_NEW(__real_)(std::size_t size);
+void* ZEPHLANE_NEW(__wrap_)(std::size_t size);
+void* ZEPHLANE_NEW(__wrap_)(std::size_t size) {
+  if (FailsNow()) { throw std::bad_alloc(); }
+  return ZEPHLANE_NEW(__real_)(size);
+}
+
+void* ZEPHLANE_NEW_ARRAY(__real_)(std::size_t size);
+void* ZEPHLANE_NEW_ARRAY(__wrap_)(std::size_t size);
+void* ZEPHLANE_NEW_ARRAY(__wrap_)(std::size_t size) {
+  if (FailsNow()) { throw std::bad_alloc(); }
+  return ZEPHLANE_NEW_ARRAY(__real_)(size);
+}
 
 }  // extern "C"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Makes calls of the library's own objects fail: malloc, calloc, realloc and operator new of this
-// thread, or regcomp. Calls that other libraries make are not touched.
+// Makes calls of the library's own objects fail: malloc, calloc, realloc, strdup, strndup, operator
+// new and new[] of this thread, or regcomp. Calls that other libraries make are not touched.
 #pragma once
 
 namespace zephlane::test {
