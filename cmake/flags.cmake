@@ -30,7 +30,7 @@ else()
   target_compile_options(zephlane_flags INTERFACE
     -fstack-protector-strong
     "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
-  target_link_options(zephlane_flags INTERFACE LINKER:-z,relro,-z,now)
+  target_link_options(zephlane_flags INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
 endif()
 check_pie_supported()
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
