@@ -18,6 +18,9 @@ if(ZEPHLANE_SANITIZE)
   target_compile_options(zephlane_flags INTERFACE
     -fsanitize=${ZEPHLANE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(zephlane_flags INTERFACE -fsanitize=${ZEPHLANE_SANITIZE})
+  # For tests and the tool, which are most of what there is to compile. Only what the library's own
+  # objects do has to run at speed.
+  set(zephlane_quick_flags -O0 -g1)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")  # its guesses go wrong in instrumented code
     target_compile_options(zephlane_flags INTERFACE -Wno-maybe-uninitialized)
   endif()
@@ -27,7 +30,7 @@ else()
   target_compile_options(zephlane_flags INTERFACE
     -fstack-protector-strong
     "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
-  target_link_options(zephlane_flags INTERFACE LINKER:-z,relro,-z,now)
+  target_link_options(zephlane_flags INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
 endif()
 check_pie_supported()
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)

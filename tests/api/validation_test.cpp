@@ -407,15 +407,15 @@ TEST_F(AdditionalProperties, MustFitOneOfTheNamesInTheTypeText) {
       {"integerstring", "1 2", 1}, {"numberstring", "1.5", 0},   {"object", "word", 1},
       {"array", "true", 1},        {"stringboolean", "true", 0}, {"null", "null", 1},
   };
-  for (const auto& [type, value, result] : cases) {
-    Ask({"HSET", "AnyType", "type", type});
-    Ask({"HSET", kFan, "Extra", value});
+  for (const auto& row : cases) {
+    SCOPED_TRACE(std::string(row.type) + " " + row.value);
+    Ask({"HSET", "AnyType", "type", row.type});
+    Ask({"HSET", kFan, "Extra", row.value});
     const std::string report =
         ApiReport(std::string("error: [validateAdditionalProperties], additionalProperty validate "
                               "fail, request type[") +
-                  type + "]");
-    EXPECT_EQ(PrintedBy([&] { EXPECT_EQ(Validate(), result) << type << " " << value; }),
-              result == 0 ? "" : report);
+                  row.type + "]");
+    EXPECT_EQ(PrintedBy([&] { EXPECT_EQ(Validate(), row.result); }), row.result == 0 ? "" : report);
   }
 }
 

@@ -277,6 +277,9 @@ Outcome InterpretOnStack(std::size_t size) {
 
 // On a small stack the run fails with a report instead of overrunning it.
 TEST_F(Driver, DeepDocumentFailsOnASmallStack) {
+#ifdef __SANITIZE_THREAD__
+  GTEST_SKIP() << "the sanitizer sets the size of small stacks, and leaves less than Jansson takes";
+#endif
   WriteSchema("Root.json", NestedObjects(JSON_PARSER_MAX_DEPTH));
   const Outcome run = InterpretOnStack(256 * 1024);
   EXPECT_EQ(run.result, 1);

@@ -1,11 +1,17 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 #
-# hardening.sh READELF FILE...: each is position-independent, resolves its symbols before it runs
-# and then has them read-only, and uses the stack protector; none has an executable stack.
+# hardening.sh READELF [--optimised] FILE...: each is position-independent, resolves its symbols
+# before it runs and then has them read-only, and uses the stack protector; none has an executable
+# stack. The C library's checked functions are in optimised builds only.
 set -euo pipefail
 readelf=$1
 shift
+optimised=no
+if [[ $1 == --optimised ]]; then
+  optimised=yes
+  shift
+fi
 status=0
 
 has() { # FILE WHAT PATTERN OPTION
@@ -21,5 +27,8 @@ for file in "$@"; do
   has "$file" 'binding before the start' 'BIND_NOW|FLAGS_1.*NOW' --dynamic
   has "$file" 'stack without execution' 'GNU_STACK.* RW ' --program-headers
   has "$file" 'stack protector' '__stack_chk_(fail|guard)' --symbols
+  if [[ $optimised == yes ]]; then
+    has "$file" 'checked buffer sizes' ' UND __[a-z]+_chk(@|$)' --symbols
+  fi
 done
 exit $status

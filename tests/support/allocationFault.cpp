@@ -5,6 +5,7 @@
 
 #include <regex.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <new>
 
@@ -22,6 +23,7 @@ bool FailsNow() {
     return false;
   }
   failed = true;
+  errno = ENOMEM;
   if (!all_after) { calls_until_failure = 0; }
   return true;
 }

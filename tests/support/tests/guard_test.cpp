@@ -28,9 +28,9 @@ TEST(Guard, AnyExceptionIsTheFailure) {
 }
 
 TEST(Guard, RunningOutOfMemoryIsTheFailure) {
-  const std::size_t length = 1000;
+  constexpr std::size_t kLength = 1000;
   const AllocationFault fault(1);
-  EXPECT_EQ(Guarded(1, [length] { return std::string(length, 'x').size() == length ? 0 : 2; }), 1);
+  EXPECT_EQ(Guarded(1, [] { return std::string(kLength, 'x').size() == kLength ? 0 : 2; }), 1);
   EXPECT_TRUE(fault.Happened());
 }
 

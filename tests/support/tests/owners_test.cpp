@@ -49,8 +49,10 @@ TEST(Arrays, RunningOutOfMemoryIsNull) {
   const CArray<int> zeroed = zephlane::ZeroedArray<int>(1);
   const CArray<int> unfilled = zephlane::UnfilledArray<int>(1);
   const auto record = zephlane::ZeroedRecord<int>();
+  errno = 0;
   const CString text = Duplicate("text");
   fault.Disarm();
+  EXPECT_EQ(errno, ENOMEM);
   EXPECT_EQ(zeroed, nullptr);
   EXPECT_EQ(unfilled, nullptr);
   EXPECT_EQ(record, nullptr);
