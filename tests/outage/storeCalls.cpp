@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "outage/storeCalls.h"
 
+#include <cstring>
+#include <type_traits>
+
 #include <jansson.h>
 
 #include <zephlaneAPI.h>
@@ -21,29 +24,99 @@ const InstanceData kPairs[] = {{"field", "value"}};
 const SetData item = {"item"};
 SetData found_item = {};
 
-// Results as text. What lies behind a pointer stays: none is expected to come.
+// Results as text. What a pointer leads to is read to its end and freed.
 
 std::string Told(int result) {
   return std::to_string(result);
 }
 
-std::string Told(const void* result) {
+std::string ToldPointer(const void* result) {
   return result == nullptr ? "NULL" : "a result";
+}
+
+std::size_t read_characters = 0;
+
+std::string Told(char* result) {
+  const CString text(result);
+  if (text) { read_characters += std::strlen(text.get()); }
+  return ToldPointer(result);
+}
+
+unsigned int count = 0;
+
+unsigned int* Count() {
+  count = 0;
+  return &count;
+}
+
+template <typename Item>
+std::string Told(Item* result) {
+  const CArray<Item> records(result);
+  for (unsigned int i = 0; records && i < count; ++i) {
+    if constexpr (std::is_same_v<Item, char*>) {
+      (void)Told(records[i]);
+    } else if constexpr (std::is_same_v<Item, ExtendedPair>) {
+      (void)Told(records[i].aFieldName);
+      (void)Told(records[i].aValue);
+    } else if constexpr (std::is_same_v<Item, InstanceData>) {
+      read_characters += std::strlen(records[i].aFieldName) + std::strlen(records[i].aValue);
+    } else {
+      read_characters += std::strlen(records[i].aObjectID);
+    }
+  }
+  return ToldPointer(result);
+}
+
+std::string Told(PopResult* result) {
+  const CRecord<PopResult> popped(result);
+  if (popped) {
+    (void)Told(popped->aListKey);
+    (void)Told(popped->aItem);
+  }
+  return ToldPointer(result);
+}
+
+// The properties that a validation has found unknown.
+class UnknownProperties {
+ public:
+  UnknownProperties() = default;
+  UnknownProperties(const UnknownProperties&) = delete;
+  UnknownProperties& operator=(const UnknownProperties&) = delete;
+  ~UnknownProperties() {
+    while (head_ != nullptr) {
+      const CRecord<UnknownProperty> first(head_);
+      head_ = first->next;
+    }
+  }
+  UnknownProperty** Head() {
+    return &head_;
+  }
+  UnknownProperty** Tail() {
+    return &tail_;
+  }
+
+ private:
+  UnknownProperty* head_ = nullptr;
+  UnknownProperty* tail_ = nullptr;
+};
+
+std::string ValidateProperties(redisContext* ctx) {
+  UnknownProperties unknown;
+  return Told(validateProperties(ctx, kKey, kSecondKey, unknown.Head(), unknown.Tail()));
 }
 
 // Arguments that last
 
+// Zeroed, as callers have them, and each an object of its own.
 char* Out() {
-  static char buffers[4][ZEPHLANE_VALUE_SIZE];
+  static char first[ZEPHLANE_VALUE_SIZE];
+  static char second[ZEPHLANE_VALUE_SIZE];
+  static char third[ZEPHLANE_VALUE_SIZE];
+  static char* const buffers[] = {first, second, third};
   static unsigned int next = 0;
-  char* const buffer = buffers[next++ % 4];
-  buffer[0] = '\0';
+  char* const buffer = buffers[next++ % 3];
+  std::memset(buffer, 0, ZEPHLANE_VALUE_SIZE);
   return buffer;
-}
-
-unsigned int* Count() {
-  static unsigned int count = 0;
-  return &count;
 }
 
 char** Texts() {
@@ -84,18 +157,6 @@ json_t* TypeArray() {
 json_t* Document() {
   static const Json document(json_object());
   return document.get();
-}
-
-UnknownProperty** Head() {
-  static UnknownProperty* head;
-  head = nullptr;
-  return &head;
-}
-
-UnknownProperty** Tail() {
-  static UnknownProperty* tail;
-  tail = nullptr;
-  return &tail;
 }
 
 const StoreCall kCalls[] = {
@@ -504,10 +565,7 @@ const StoreCall kCalls[] = {
      [](redisContext* ctx) { return Told(zephlaneValidateResponseObject(ctx, kKey)); }, "1"},
     {"validateRequired",
      [](redisContext* ctx) { return Told(validateRequired(ctx, kKey, kSecondKey)); }, "0"},
-    {"validateProperties",
-     [](redisContext*
-            ctx) { return Told(validateProperties(ctx, kKey, kSecondKey, Head(), Tail())); },
-     "1"},
+    {"validateProperties", ValidateProperties, "1"},
     {"validatePatternProperties",
      [](redisContext* ctx) { return Told(validatePatternProperties(ctx, kKey, "property")); }, "1"},
     {"validateAdditionalProperties",
