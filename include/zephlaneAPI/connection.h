@@ -18,13 +18,19 @@ extern "C" {
 #endif
 
 /**
- * A time-out of 1.5 seconds for callers that open connections of their own, such as with
- * redisConnectWithTimeout(). The library itself never reads it.
+ * A time-out of 1.5 seconds for callers that open connections of their own: any connection of
+ * hiredis serves every function of the library. One made with redisConnectWithTimeout() and given
+ * to redisSetTimeout(), both with this value, makes a call that gets no answer for so long return
+ * its failure. Such a caller sends AUTH itself. After a time-out the connection is of no use: close
+ * it and make a new one. The time-out must be longer than that of a blocking pop. The library
+ * itself never reads it.
  */
 ZEPHLANE_EXPORT extern const struct timeval G_sTimeout;
 
 /**
- * Connects to the Redis server at 127.0.0.1:6379 and authenticates.
+ * Connects to the Redis server at 127.0.0.1:6379 and authenticates. Neither this nor any call on
+ * the connection has a time-out: a server that accepts and does not answer is waited for until the
+ * connection ends. G_sTimeout says how to get one.
  * @return the connection (caller closes it with zephlaneRedisDisconnect()); NULL on failure
  * @note Prints "Connection error: can't allocate redis context", "Connection error: %s",
  *       "Failed to open %s" (and the cause through perror) or "Failed to redis authentication!".

@@ -45,7 +45,8 @@ ZEPHLANE_EXPORT int zephlaneValidateResponseObject(redisContext* ctx, const char
  * @param ctx          connection (borrowed; one thread at a time)
  * @param aInstanceID  instance hash (borrowed)
  * @param aTypeID      ID of its definition (borrowed)
- * @return 0, also when nothing is required; 1 when a property is missing or on failure
+ * @return 0, also when nothing is required or that cannot be read; 1 when a property is missing
+ *         or on failure
  * @note Prints nothing. Redis: HGET of "required", SMEMBERS, HGET per member up to the first that
  *       is missing.
  */

@@ -46,4 +46,9 @@ inline constexpr std::size_t kQueueNameSize = 256;
 using QueueListKey = std::array<char, 255>;
 [[nodiscard]] QueueListKey QueueListKeyOf(const char* uuid, int oem) noexcept;
 
+// Calls the handler that is registered for a received message, if there is one. At least as many
+// bytes as a message of the family has, and a zero behind all that was received.
+void DeliverPlain(char* bytes);
+void DeliverOem(char* bytes);
+
 }  // namespace zephlane

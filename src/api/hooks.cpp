@@ -158,7 +158,14 @@ void Call(OemHookFunction handler, OemHookMessage& message) {
 }
 
 template <typename Message, typename Entry>
-[[noreturn]] void Receive(const Family& family, Entry*& table, CArray<char> buffer) {
+void Deliver(Entry*& table, char* bytes) {
+  auto* const message = reinterpret_cast<Message*>(bytes);
+  const Entry* const entry = EntryOf(table, message->uuid);
+  // The entry is not looked at after the call: the handler may have unregistered itself.
+  if (entry && entry->handler) { Call(entry->handler, *message); }
+}
+
+[[noreturn]] void Receive(const Family& family, CArray<char> buffer, void (*deliver)(char*)) {
   for (;;) {
     // Zeros end every text, however short the message and however full its fields.
     std::memset(buffer.get(), 0, family.receive_size + 1);
@@ -168,21 +175,16 @@ template <typename Message, typename Entry>
       std::perror("mq_receive failed");
       continue;
     }
-    auto* const message = reinterpret_cast<Message*>(buffer.get());
-    const Entry* const entry = EntryOf(table, message->uuid);
-    // The entry is not looked at after the call: the handler may have unregistered itself.
-    if (entry && entry->handler) { Call(entry->handler, *message); }
+    deliver(buffer.get());
   }
 }
 
 void* ReceivePlain(void* buffer) {
-  Receive<HookMessage>(plain_family, zephlaneFunctionTable,
-                       CArray<char>(static_cast<char*>(buffer)));
+  Receive(plain_family, CArray<char>(static_cast<char*>(buffer)), DeliverPlain);
 }
 
 void* ReceiveOem(void* buffer) {
-  Receive<OemHookMessage>(oem_family, zephlaneOemFunctionTable,
-                          CArray<char>(static_cast<char*>(buffer)));
+  Receive(oem_family, CArray<char>(static_cast<char*>(buffer)), DeliverOem);
 }
 
 // Registering
@@ -256,6 +258,15 @@ int Register(Family& family, redisContext* ctx, const char* uuid, char** argv,
 }
 
 }  // namespace
+
+void DeliverPlain(char* bytes) {
+  Deliver<HookMessage>(zephlaneFunctionTable, bytes);
+}
+
+void DeliverOem(char* bytes) {
+  Deliver<OemHookMessage>(zephlaneOemFunctionTable, bytes);
+}
+
 }  // namespace zephlane
 
 int zephlaneHookFunctionRegister(redisContext* ctx, const char* aUuid, char** argv,
