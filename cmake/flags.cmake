@@ -7,9 +7,14 @@ target_compile_options(zephlane_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wundef -Wpointer-arith -Wcast-align
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual>
   $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes -Wmissing-prototypes>)
-# GCC 12 takes "text" + std::string for a copy that overlaps itself once it optimises.
+# GCC 12 takes "text" + std::string for a copy that overlaps itself once it optimises, and on 32-bit
+# machines for one that is larger than memory.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(zephlane_flags INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    target_compile_options(zephlane_flags INTERFACE
+      "$<$<COMPILE_LANGUAGE:CXX>:-Wno-stringop-overflow;-Wno-array-bounds>")
+  endif()
 endif()
 if(ZEPHLANE_WERROR)
   target_compile_options(zephlane_flags INTERFACE -Werror)
@@ -32,6 +37,8 @@ else()
     "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
   target_link_options(zephlane_flags INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
 endif()
+add_library(zephlane_program_options INTERFACE)
+target_compile_options(zephlane_program_options INTERFACE ${ZEPHLANE_PROGRAM_OPTIONS})
 check_pie_supported()
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_CXX_STANDARD 20)

@@ -69,20 +69,22 @@ keep_redis_service_off() {
   printf 'The redis-server service is left off: only the program is needed.\n'
 }
 
-# configure PRESET: into build/PRESET, anew when that was configured for a tree at another place.
+# configure PRESET [OPTION...]: into build/PRESET, anew when that was configured for a tree at another
+# place.
 configure() {
   local cache=build/$1/CMakeCache.txt
   if [[ -e $cache ]] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$cache"; then
     rm -rf "build/$1"
   fi
-  cmake --preset "$1" --log-level=WARNING >/dev/null
+  cmake --preset "$@" --log-level=WARNING >/dev/null
 }
 
 # test_jobs PRESET: as many as there are processors where each test gets a private network; one
 # where all share the machine's. Fails, with the launcher's words, where something is in the way.
 test_jobs() {
-  local network
-  network=$("build/$1/tests/support/zephlane-private-redis" --no-server \
+  local network launcher=build/$1/tests/support/zephlane-private-redis
+  if [[ -e $launcher-emulated ]]; then launcher+=-emulated; fi
+  network=$("$launcher" --no-server \
     sh -c 'readlink /proc/self/ns/net') || return
   if [[ $network == "$(readlink /proc/self/ns/net)" ]]; then echo 1; else nproc; fi
 }

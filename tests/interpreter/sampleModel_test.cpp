@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/memoryUse.h"
 #include "support/output.h"
 #include "support/store.h"
 
@@ -20,7 +21,9 @@ namespace {
 namespace fs = std::filesystem;
 
 using zephlane::test::Capture;
+using zephlane::test::DeepestStackUse;
 using zephlane::test::Output;
+using zephlane::test::ResidentKilobytes;
 using zephlane::test::StoreTest;
 
 constexpr char kRootSchema[] = "/tmp/FOSS_schema/ServiceRoot.v1_0_0.json";
@@ -103,19 +106,6 @@ TEST_F(SampleModel, ProgressCountsWhatWasRead) {
 }
 
 #ifndef ZEPHLANE_SANITIZED
-// Anonymous and file pages that the process holds in memory.
-long ResidentKilobytes() {
-  std::ifstream stream("/proc/self/status");
-  for (std::string word; stream >> word;) {
-    if (word == "VmRSS:") {
-      long kilobytes = 0;
-      stream >> kilobytes;
-      return kilobytes;
-    }
-  }
-  return -1;
-}
-
 TEST_F(SampleModel, ResidentMemoryGrowsByLessThanTwoMegabytes) {
   const long before = ResidentKilobytes();
   ASSERT_EQ(Interpret(), 0);
@@ -123,6 +113,16 @@ TEST_F(SampleModel, ResidentMemoryGrowsByLessThanTwoMegabytes) {
   RecordProperty("grown_kilobytes", std::to_string(grown));
   std::printf("resident memory grew by %ld kB\n", grown);
   EXPECT_LT(grown, 2 * 1024);
+}
+
+TEST_F(SampleModel, UsesLessStackThanASmallThreadHas) {
+  int result = -1;
+  const std::size_t used = DeepestStackUse([&] { result = Interpret(); });
+  EXPECT_EQ(result, 0);
+  RecordProperty("stack_bytes", std::to_string(used));
+  std::printf("resident memory %ld kB, deepest stack %zu bytes\n", ResidentKilobytes(), used);
+  EXPECT_GT(used, 0U);
+  EXPECT_LT(used, 64U * 1024);
 }
 #endif
 

@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -28,7 +29,10 @@ bool OnlyLists(int argc, char** argv) {
   char self[] = "/proc/self/exe";
   char resolved[4096] = "";
   (void)!readlink(self, resolved, sizeof(resolved) - 1);
-  std::vector<char*> words = {launcher, resolved};
+  std::vector<std::string> emulator = {ZEPHLANE_EMULATOR};  // empty where programs run as they are
+  std::vector<char*> words = {launcher};
+  for (std::string& word : emulator) { words.push_back(word.data()); }
+  words.push_back(resolved);
   words.insert(words.end(), argv + 1, argv + argc);
   words.push_back(nullptr);
   (void)execv(launcher, words.data());
