@@ -1,117 +1,102 @@
 // SPDX-License-Identifier: MIT
 //
-// Runs all pairs with repetitions in random order and prints the ratio of the medians. Exit code 1
-// when a ratio is above what is allowed.
+// zephlane-against-hiredis [--docs=FOLDER] [--benchmark_...]
+//
+// Measures every pair and prints the ratio of the library's time to raw hiredis's as the median
+// over repetitions; writes FOLDER/benchmarks.md and .svg too. Exit code 1 when a ratio is above
+// what is allowed.
 #include <benchmark/benchmark.h>
+#include <sys/utsname.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <map>
+#include <fstream>
 #include <string>
+#include <string_view>
+#include <thread>
 #include <vector>
 
 #include "pairs.h"
-
-#include <zephlaneAPI.h>
-
-namespace zephlane::bench {
+#include "results.h"
 
 namespace {
 
-std::map<std::string, double>& AllowedRatios() {
-  static std::map<std::string, double> ratios;
-  return ratios;
+using zephlane::bench::Results;
+
+constexpr std::string_view kDocsOption = "--docs=";
+
+std::string ProcessorName() {
+  std::ifstream info("/proc/cpuinfo");
+  for (std::string line; std::getline(info, line);) {
+    if (line.starts_with("model name")) { return line.substr(line.find(':') + 2); }
+  }
+  utsname names{};
+  return uname(&names) == 0 ? names.machine : "an unknown processor";
 }
 
-double Median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values.empty() ? 0 : values[values.size() / 2];
+std::string RedisVersion(redisContext* ctx) {
+  constexpr std::string_view kLabel = "redis_version:";
+  auto* reply = static_cast<redisReply*>(redisCommand(ctx, "INFO server"));
+  const std::string text(reply->str, reply->len);
+  freeReplyObject(reply);
+  const std::size_t begin = text.find(kLabel) + kLabel.size();
+  return text.substr(begin, text.find('\r', begin) - begin);
 }
 
-// Collects the times of all repetitions and prints one line for each pair at the end.
-class RatioReporter : public benchmark::BenchmarkReporter {
- public:
-  bool ReportContext(const Context& /*context*/) override {
-    return true;
-  }
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Iteration) {
-        times_[run.run_name.function_name].push_back(run.GetAdjustedRealTime());
-      }
+std::string Machine(redisContext* ctx) {
+  return ProcessorName() + ", " + std::to_string(std::thread::hardware_concurrency()) +
+         " processors, Redis " + RedisVersion(ctx) + ", hiredis " + std::to_string(HIREDIS_MAJOR) +
+         "." + std::to_string(HIREDIS_MINOR) + ", g++ " + std::to_string(__GNUC__);
+}
+
+void AddAllPairs(redisContext* ctx) {
+  zephlane::bench::AddSingleCommandPairs(ctx);
+  zephlane::bench::AddReaderPairs(ctx);
+  zephlane::bench::AddCreationPairs(ctx);
+  zephlane::bench::AddSchemaPairs(ctx);
+  zephlane::bench::AddServicePairs(ctx);
+  zephlane::bench::AddInterpreterPairs();
+}
+
+bool WriteDocs(const Results& results, const std::string& machine, const std::string& folder) {
+  return WriteTable(results, machine, folder + "/benchmarks.md") &&
+         WritePlot(results, folder + "/benchmarks.svg");
+}
+
+// Takes our own option off the words; the folder it names, empty without it.
+std::string TakeDocsFolder(std::vector<std::string>* words) {
+  for (auto word = words->begin(); word != words->end(); ++word) {
+    if (word->starts_with(kDocsOption)) {
+      const std::string folder = word->substr(kDocsOption.size());
+      words->erase(word);
+      return folder;
     }
   }
-  [[nodiscard]] bool PrintRatios() const {
-    std::printf("%-28s %14s %14s %8s %8s\n", "pair", "library", "raw hiredis", "ratio", "allowed");
-    bool all_within = true;
-    for (const auto& [name, allowed] : AllowedRatios()) {
-      const double library = Median(times_.at(name + "/library"));
-      const double raw = Median(times_.at(name + "/raw"));
-      const double ratio = library / raw;
-      all_within = all_within && ratio <= allowed;
-      std::printf("%-28s %11.2f us %11.2f us %8.3f %8.2f%s\n", name.c_str(), library, raw, ratio,
-                  allowed, ratio <= allowed ? "" : "  above");
-    }
-    return all_within;
-  }
-
- private:
-  std::map<std::string, std::vector<double>> times_;
-};
-
-// One connection for both sides, so that neither has a better one.
-redisContext* SharedConnection() {
-  static redisContext* ctx = zephlaneRedisConnect();
-  return ctx;
+  return "";
 }
 
 }  // namespace
 
-void AddPair(const std::string& name, double allowed_ratio,
-             const std::function<void(redisContext*)>& library,
-             const std::function<void(redisContext*)>& raw) {
-  AllowedRatios()[name] = allowed_ratio;
-  for (const auto& [side, body] : {std::pair("/library", library), std::pair("/raw", raw)}) {
-    benchmark::RegisterBenchmark((name + side).c_str(),
-                                 [body](benchmark::State& state) {
-                                   redisContext* ctx = SharedConnection();
-                                   FillStore(ctx);
-                                   for (auto _ : state) { body(ctx); }
-                                 })
-        ->Unit(benchmark::kMicrosecond)
-        ->UseRealTime();
-  }
-}
-
-void AddTimedPair(const std::string& name, double allowed_ratio,
-                  const std::function<double()>& library, const std::function<double()>& raw) {
-  AllowedRatios()[name] = allowed_ratio;
-  for (const auto& [side, body] : {std::pair("/library", library), std::pair("/raw", raw)}) {
-    benchmark::RegisterBenchmark((name + side).c_str(),
-                                 [body](benchmark::State& state) {
-                                   for (auto _ : state) { state.SetIterationTime(body()); }
-                                 })
-        ->Unit(benchmark::kMicrosecond)
-        ->UseManualTime()
-        ->Iterations(1);
-  }
-}
-
-}  // namespace zephlane::bench
-
 int main(int argc, char** argv) {
   // Defaults that a command line may override, as the last of two equal options counts.
   std::vector<std::string> words = {argv[0], "--benchmark_repetitions=25",
-                                    "--benchmark_min_time=0.02",
-                                    "--benchmark_enable_random_interleaving=true"};
+                                    "--benchmark_min_time=0.02"};
   words.insert(words.end(), argv + 1, argv + argc);
+  const std::string docs = TakeDocsFolder(&words);
   std::vector<char*> pointers;
   for (std::string& word : words) { pointers.push_back(word.data()); }
   int count = static_cast<int>(pointers.size());
   benchmark::Initialize(&count, pointers.data());
-  zephlane::bench::AddSingleCommandPairs();
-  zephlane::bench::AddInterpreterPair();
-  zephlane::bench::RatioReporter reporter;
+  if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) { return 2; }
+  redisContext* ctx = zephlane::bench::SharedConnection();
+  if (ctx == nullptr) { return 2; }
+  const std::string machine = Machine(ctx);
+  AddAllPairs(ctx);
+  zephlane::bench::ResultReporter reporter;
   (void)benchmark::RunSpecifiedBenchmarks(&reporter);
-  return reporter.PrintRatios() ? 0 : 1;
+  const Results& results = reporter.Collected();
+  if (!docs.empty() && !WriteDocs(results, machine, docs)) {
+    (void)std::fprintf(stderr, "cannot write to %s\n", docs.c_str());
+    return 2;
+  }
+  return results.AreWithin() ? 0 : 1;
 }

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "commandRecord.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 #include <zephlaneAPI.h>
 
@@ -11,6 +15,9 @@ namespace zephlane::bench {
 namespace {
 
 constexpr char kEndMark[] = "end-of-recording";
+constexpr char kUuidCounter[] = "autoUUID";
+constexpr char kEventCounter[] = "autoEventID";
+constexpr int kNoLock = -1;
 
 char Unescaped(char letter) {
   switch (letter) {
@@ -56,6 +63,25 @@ CommandWords WordsOf(std::string_view line) {
   return words;
 }
 
+const char* LockFileOf(const std::string& counter) {
+  return counter == kUuidCounter ? ZephlaneGenerateUUIDLockFile : ZephlaneGenerateEventIDLockFile;
+}
+
+int TakeLock(const char* path) {
+  const int fd = open(path, O_RDWR | O_CREAT, 0644);
+  struct flock lock {};
+  lock.l_type = F_WRLCK;
+  (void)fcntl(fd, F_SETLKW, &lock);
+  return fd;
+}
+
+void GiveLock(int fd) {
+  struct flock lock {};
+  lock.l_type = F_UNLCK;
+  (void)fcntl(fd, F_SETLK, &lock);
+  (void)close(fd);
+}
+
 }  // namespace
 
 std::vector<CommandWords> RecordCommands(const std::function<void()>& run) {
@@ -79,18 +105,41 @@ std::vector<CommandWords> RecordCommands(const std::function<void()>& run) {
   return commands;
 }
 
-void Replay(redisContext* ctx, const std::vector<CommandWords>& commands) {
-  std::vector<const char*> words;
-  std::vector<std::size_t> lengths;
-  for (const CommandWords& command : commands) {
-    words.clear();
-    lengths.clear();
-    for (const std::string& word : command) {
-      words.push_back(word.data());
-      lengths.push_back(word.size());
+PreparedCommands::PreparedCommands(std::vector<CommandWords> commands)
+    : texts_(std::move(commands)) {
+  for (const CommandWords& text : texts_) {
+    Prepared command;
+    for (const std::string& word : text) {
+      command.words.push_back(word.data());
+      command.lengths.push_back(word.size());
     }
-    freeReplyObject(
-        redisCommandArgv(ctx, static_cast<int>(words.size()), words.data(), lengths.data()));
+    const bool is_counter =
+        text.size() > 1 && (text[1] == kUuidCounter || text[1] == kEventCounter);
+    if (is_counter && text[0] == "GET") { command.lock_before = LockFileOf(text[1]); }
+    command.unlock_after = is_counter && text[0] == "SET";
+    commands_.push_back(std::move(command));
+  }
+}
+
+void PreparedCommands::Replay(redisContext* ctx) {
+  int lock = kNoLock;
+  for (Prepared& command : commands_) {
+    if (command.lock_before != nullptr) { lock = TakeLock(command.lock_before); }
+    freeReplyObject(redisCommandArgv(ctx, static_cast<int>(command.words.size()),
+                                     command.words.data(), command.lengths.data()));
+    if (command.unlock_after) { GiveLock(lock); }
+  }
+}
+
+void PreparedCommands::ReplayPipelined(redisContext* ctx) {
+  for (Prepared& command : commands_) {
+    (void)redisAppendCommandArgv(ctx, static_cast<int>(command.words.size()), command.words.data(),
+                                 command.lengths.data());
+  }
+  for (std::size_t i = 0; i < commands_.size(); ++i) {
+    void* reply = nullptr;
+    (void)redisGetReply(ctx, &reply);
+    freeReplyObject(reply);
   }
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// Benchmarks come in pairs named "<pair>/library" and "<pair>/raw"; the report is their ratio.
+// A pair is a function of the library beside raw hiredis sending the same commands on the same
+// connection. Both sides take turns in small batches, so that whatever else the machine does hits
+// both alike.
 #pragma once
 
 #include <functional>
@@ -10,19 +12,38 @@
 
 namespace zephlane::bench {
 
-// Registers both sides of a pair; each call of a side is one iteration on the given connection.
-void AddPair(const std::string& name, double allowed_ratio,
-             const std::function<void(redisContext*)>& library,
-             const std::function<void(redisContext*)>& raw);
+using Step = std::function<void(redisContext*)>;
 
-// As AddPair, for sides that measure themselves: each call returns the seconds that count.
-void AddTimedPair(const std::string& name, double allowed_ratio,
-                  const std::function<double()>& library, const std::function<double()>& raw);
+struct Pair {
+  std::string family;
+  std::string function;
+  double allowed;  // highest ratio of the library's time to raw hiredis's; 0 when none is set
+  Step library;
+  Step prepare = nullptr;   // runs before each call of either side, its time does not count
+  bool pipelined = false;   // raw hiredis sends all commands before it reads the first reply
+  bool connects = false;    // the library opens a connection of its own, so raw hiredis does too
+  unsigned int batch = 16;  // calls of one side in a row; 1 where there is something to prepare
+};
 
-// Puts in place what the single-command pairs read; the interpreter pair empties the store.
-void FillStore(redisContext* ctx);
+// Single commands may cost 3 % more than raw hiredis, sequences of commands 5 %.
+inline constexpr double kSingleCommand = 1.03;
+inline constexpr double kSequence = 1.05;
+inline constexpr double kReader = 1.25;
+inline constexpr double kThroughput = 1 / 0.85;
+inline constexpr double kNotSet = 0;
 
-void AddSingleCommandPairs();
-void AddInterpreterPair();
+// One connection for both sides of all pairs, so that neither has a better one.
+redisContext* SharedConnection();
+
+void AddPair(Pair pair);
+
+// Each family adds its pairs, and puts what they need into the store before that.
+void AddSingleCommandPairs(redisContext* ctx);
+void AddReaderPairs(redisContext* ctx);
+void AddCreationPairs(redisContext* ctx);
+void AddSchemaPairs(redisContext* ctx);
+void AddServicePairs(redisContext* ctx);
+// Empties the store whenever it runs, so it comes last.
+void AddInterpreterPairs();
 
 }  // namespace zephlane::bench

@@ -127,7 +127,7 @@ int AnnotateChild(const Walk& walk, std::string_view redis_type, const char* chi
 // One pair of an instance; `index` is its place, for the reports.
 int AnnotatePair(const Walk& walk, const char* instance_id, const char* type_id,
                  const InstanceData& pair, unsigned int index) {
-  if (IsBookkeeping(pair.aFieldName) || !zephlaneIsLink(pair.aValue)) { return kDone; }
+  if (IsBookkeeping(pair.aFieldName) || !ContainsUuid(pair.aValue)) { return kDone; }
   char property_type[kValueSize] = "";
   // A link that the schema does not define stops the walk, without a word at this level.
   if (getHashField(walk.ctx, type_id, pair.aFieldName, property_type) != kDone) { return kFailed; }

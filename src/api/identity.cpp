@@ -9,6 +9,7 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -68,19 +69,30 @@ const char* MaximumUuid(redisContext* ctx) {
   return maximum_uuid;
 }
 
+// The number that four digits stand for. Of a stored value that is no UUID they may be other
+// characters: then as many count as strtoul() takes, and the mask matters, as they may be "-1".
+unsigned int WordOf(const char* group) {
+  unsigned int word = 0;
+  const char* const end = group + kWordDigits;
+  const auto result = std::from_chars(group, end, word, 16);
+  if (result.ptr == end) { return word; }
+  return static_cast<unsigned int>(std::strtoul(group, nullptr, 16)) & kWordMaximum;
+}
+
+void WriteWord(unsigned int word, char* out) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  for (std::size_t i = kWordDigits; i > 0; --i, word >>= 4) { out[i - 1] = kDigits[word & 0xf]; }
+}
+
 // Writes the UUID after `counter` into `uuid`, a buffer of kIdSize.
 void WriteNextUuid(const char* counter, char* uuid) {
   char groups[kWordCount * kGroupSize] = "";
   (void)splitUUID(counter, groups);
   unsigned int words[kWordCount];
-  for (unsigned int i = 0; i < kWordCount; ++i) {
-    // The mask matters only for a stored value that is no UUID: four characters may be "-1".
-    words[i] = static_cast<unsigned int>(std::strtoul(groups + i * kGroupSize, nullptr, 16)) &
-               kWordMaximum;
-  }
+  for (unsigned int i = 0; i < kWordCount; ++i) { words[i] = WordOf(groups + i * kGroupSize); }
   incrementUUID(words, 0);
-  (void)std::snprintf(uuid, kIdSize, "%04x%04x-%04x-%04x-%04x-%04x%04x%04x", words[7], words[6],
-                      words[5], words[4], words[3], words[2], words[1], words[0]);
+  CopyCut({uuid, kIdSize}, kStartUuid);  // for its hyphens
+  for (unsigned int i = 0; i < kWordCount; ++i) { WriteWord(words[i], uuid + kGroupPositions[i]); }
 }
 
 int WaitForLock(int fd, struct flock* lock) {

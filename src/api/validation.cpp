@@ -4,6 +4,7 @@
 // Result 1 stands for an invalid instance and for one that could not be read.
 #include <cstddef>
 #include <cstring>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -74,25 +75,44 @@ bool Append(const char* name, UnknownProperty** head, UnknownProperty** tail) {
 
 enum class MatchResult { kMatches, kDiffers, kNoPattern };
 
-MatchResult Match(const char* pattern, const char* text) {
-  const Regex expression(pattern, REG_EXTENDED | REG_NOSUB);
-  if (!expression) {
-    ApiError{}("regcomp() error!! \n\n");
-    return MatchResult::kNoPattern;
+// A pattern, compiled when it is first matched. The properties of an instance meet the same pattern
+// one after another, and compiling costs as much as asking Redis.
+class Expression {
+ public:
+  [[nodiscard]] MatchResult Match(const char* pattern, const char* text) {
+    if (!compiled_ || !*compiled_ || std::strcmp(pattern, pattern_) != 0) {
+      CopyCut(pattern_, pattern);
+      compiled_.emplace(pattern, REG_EXTENDED | REG_NOSUB);
+    }
+    if (!*compiled_) {
+      ApiError{}("regcomp() error!! \n\n");
+      return MatchResult::kNoPattern;
+    }
+    return regexec(compiled_->Get(), text, 0, nullptr, 0) == 0 ? MatchResult::kMatches
+                                                               : MatchResult::kDiffers;
   }
-  return regexec(expression.Get(), text, 0, nullptr, 0) == 0 ? MatchResult::kMatches
-                                                             : MatchResult::kDiffers;
-}
+
+ private:
+  char pattern_[kValueSize] = "";
+  std::optional<Regex> compiled_;
+};
+
+// The patterns of one call.
+struct Expressions {
+  Expression property_name;
+  Expression printable_word;
+  Expression digits;
+};
 
 // Whether a value fits a type text, which may hold several names without a separator. The tests
 // are by substring and fall through from one to the next.
-MatchResult MatchType(std::string_view type, const char* value) {
+MatchResult MatchType(std::string_view type, const char* value, Expressions* expressions) {
   if (Contains(type, "string")) {
-    const MatchResult result = Match(kPrintableWord, value);
+    const MatchResult result = expressions->printable_word.Match(kPrintableWord, value);
     if (result != MatchResult::kDiffers) { return result; }
   }
   if (Contains(type, "number") || Contains(type, "integer")) {
-    const MatchResult result = Match(kDigits, value);
+    const MatchResult result = expressions->digits.Match(kDigits, value);
     if (result != MatchResult::kDiffers) { return result; }
   }
   const std::string_view text = value;
@@ -100,10 +120,58 @@ MatchResult MatchType(std::string_view type, const char* value) {
   return is_boolean ? MatchResult::kMatches : MatchResult::kDiffers;
 }
 
+int ValidatePattern(redisContext* ctx, const char* type_id, const char* property,
+                    Expressions* expressions) {
+  constexpr char kFunction[] = "validatePatternProperties";
+  char patterns_id[kValueSize] = "";
+  if (getHashField(ctx, type_id, "patternProperties", patterns_id) != kDone) {
+    ApiError{}("error: [%s], Failed to validate pattern\n", kFunction);
+    return kFailed;
+  }
+  unsigned int count = 0;
+  const CArray<InstanceData> patterns(zephlaneHashGetAll(ctx, patterns_id, &count));
+  if (!patterns) { return kFailed; }
+  if (count != 1) {
+    ApiError{}("error: [%s], Invalid key-value pair number in patternProperties hash table.\n",
+               kFunction);
+    return kFailed;
+  }
+  // The pattern is used as written: anchored only where it anchors itself.
+  const MatchResult result = expressions->property_name.Match(patterns[0].aFieldName, property);
+  if (result == MatchResult::kDiffers) {
+    ApiError{}("error: [%s], Failed to validate pattern\n", kFunction);
+  }
+  return result == MatchResult::kMatches ? kDone : kFailed;
+}
+
+int ValidateAdditional(redisContext* ctx, const char* instance_id, const char* type_id,
+                       const char* property, Expressions* expressions) {
+  constexpr char kFunction[] = "validateAdditionalProperties";
+  char allowed[kValueSize] = "";
+  if (getHashField(ctx, type_id, "additionalProperties", allowed) != kDone) { return kFailed; }
+  if (std::strcmp(allowed, "true") == 0) { return kDone; }
+  if (std::strcmp(allowed, "false") == 0) {
+    ApiError{}("error: [%s], No more additional property allowed\n", kFunction);
+    return kFailed;
+  }
+  char value[kValueSize] = "";
+  char type[kValueSize] = "";
+  if (getHashField(ctx, instance_id, property, value) != kDone ||
+      getHashField(ctx, allowed, "type", type) != kDone) {
+    return kFailed;
+  }
+  const MatchResult result = MatchType(type, value, expressions);
+  if (result == MatchResult::kDiffers) {
+    ApiError{}("error: [%s], additionalProperty validate fail, request type[%s]\n", kFunction,
+               type);
+  }
+  return result == MatchResult::kMatches ? kDone : kFailed;
+}
+
 bool IsAccepted(redisContext* ctx, const char* instance_id, const char* type_id,
-                const char* property) {
-  return validatePatternProperties(ctx, type_id, property) == kDone ||
-         validateAdditionalProperties(ctx, instance_id, type_id, property) == kDone;
+                const char* property, Expressions* expressions) {
+  return ValidatePattern(ctx, type_id, property, expressions) == kDone ||
+         ValidateAdditional(ctx, instance_id, type_id, property, expressions) == kDone;
 }
 
 }  // namespace
@@ -112,7 +180,7 @@ bool IsAccepted(redisContext* ctx, const char* instance_id, const char* type_id,
 int zephlaneValidateResponseObject(redisContext* ctx, const char* aInstanceID) {
   constexpr char kFunction[] = "zephlaneValidateResponseObject";
   if (!aInstanceID) { return kFailed; }
-  if (!zephlaneIsLink(aInstanceID)) {
+  if (!zephlane::ContainsUuid(aInstanceID)) {
     ApiError{}("error: [%s], Invalid request InstanceID\n", kFunction);
     return kFailed;
   }
@@ -125,8 +193,9 @@ int zephlaneValidateResponseObject(redisContext* ctx, const char* aInstanceID) {
   if (validateProperties(ctx, aInstanceID, type_id, unknown.Head(), unknown.Tail()) != kDone) {
     return kFailed;
   }
+  zephlane::Expressions expressions;
   for (const UnknownProperty* property = *unknown.Head(); property; property = property->next) {
-    if (!zephlane::IsAccepted(ctx, aInstanceID, type_id, property->aName)) {
+    if (!zephlane::IsAccepted(ctx, aInstanceID, type_id, property->aName, &expressions)) {
       // The property comes first here, the function second.
       ApiError{}("error: [%s], Invalid property [%s]\n", property->aName, kFunction);
       return kFailed;
@@ -169,50 +238,14 @@ int validateProperties(redisContext* ctx, const char* aInstanceID, const char* a
 }
 
 int validatePatternProperties(redisContext* ctx, const char* aTypeID, const char* aPropertyName) {
-  constexpr char kFunction[] = "validatePatternProperties";
   if (!ctx || !aTypeID || !aPropertyName) { return kFailed; }
-  char patterns_id[kValueSize] = "";
-  if (getHashField(ctx, aTypeID, "patternProperties", patterns_id) != kDone) {
-    ApiError{}("error: [%s], Failed to validate pattern\n", kFunction);
-    return kFailed;
-  }
-  unsigned int count = 0;
-  const CArray<InstanceData> patterns(zephlaneHashGetAll(ctx, patterns_id, &count));
-  if (!patterns) { return kFailed; }
-  if (count != 1) {
-    ApiError{}("error: [%s], Invalid key-value pair number in patternProperties hash table.\n",
-               kFunction);
-    return kFailed;
-  }
-  // The pattern is used as written: anchored only where it anchors itself.
-  const zephlane::MatchResult result = zephlane::Match(patterns[0].aFieldName, aPropertyName);
-  if (result == zephlane::MatchResult::kDiffers) {
-    ApiError{}("error: [%s], Failed to validate pattern\n", kFunction);
-  }
-  return result == zephlane::MatchResult::kMatches ? kDone : kFailed;
+  zephlane::Expressions expressions;
+  return zephlane::ValidatePattern(ctx, aTypeID, aPropertyName, &expressions);
 }
 
 int validateAdditionalProperties(redisContext* ctx, const char* aInstanceID, const char* aTypeID,
                                  const char* aPropertyName) {
-  constexpr char kFunction[] = "validateAdditionalProperties";
   if (!ctx || !aInstanceID || !aTypeID || !aPropertyName) { return kFailed; }
-  char allowed[kValueSize] = "";
-  if (getHashField(ctx, aTypeID, "additionalProperties", allowed) != kDone) { return kFailed; }
-  if (std::strcmp(allowed, "true") == 0) { return kDone; }
-  if (std::strcmp(allowed, "false") == 0) {
-    ApiError{}("error: [%s], No more additional property allowed\n", kFunction);
-    return kFailed;
-  }
-  char value[kValueSize] = "";
-  char type[kValueSize] = "";
-  if (getHashField(ctx, aInstanceID, aPropertyName, value) != kDone ||
-      getHashField(ctx, allowed, "type", type) != kDone) {
-    return kFailed;
-  }
-  const zephlane::MatchResult result = zephlane::MatchType(type, value);
-  if (result == zephlane::MatchResult::kDiffers) {
-    ApiError{}("error: [%s], additionalProperty validate fail, request type[%s]\n", kFunction,
-               type);
-  }
-  return result == zephlane::MatchResult::kMatches ? kDone : kFailed;
+  zephlane::Expressions expressions;
+  return zephlane::ValidateAdditional(ctx, aInstanceID, aTypeID, aPropertyName, &expressions);
 }

@@ -173,4 +173,8 @@ bool ArgumentVector::Append(redisContext* ctx) && noexcept {
   return queued;
 }
 
+bool ArgumentVector::Append(RequestBatch* batch) && noexcept {
+  return *this && batch->Add({words_.get(), lengths_.get(), size_});
+}
+
 }  // namespace zephlane

@@ -46,6 +46,7 @@ class ArgumentVector {
   // Each frees the vector before the reply is looked at.
   [[nodiscard]] Reply Send(redisContext* ctx) && noexcept;
   [[nodiscard]] bool Append(redisContext* ctx) && noexcept;
+  [[nodiscard]] bool Append(RequestBatch* batch) && noexcept;
 
  private:
   std::size_t capacity_;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Many object writes in one round trip: queue them, then read as many replies as were queued.
+#include "redis/pipeline.h"
+
 #include "redis/command.h"
 
 #include <zephlaneAPI/commands.h>
@@ -16,21 +18,39 @@ namespace {
 // A connection that failed stays failed; a few reads more cost nothing and end for certain.
 constexpr unsigned int kMaximumFailedReads = 8;
 
-int AppendHash(redisContext* ctx, const char* key, const InstanceData* pairs, unsigned int count) {
+// The queue of these is a connection or a batch.
+template <typename Queue>
+int AppendHash(Queue* queue, const char* key, const InstanceData* pairs, unsigned int count) {
   ArgumentVector arguments("HMSET", key, 2, count);
   for (unsigned int i = 0; i < count; ++i) {
     // Empty values go out too, unlike when a hash is created by itself.
     arguments.Add(pairs[i].aFieldName);
     arguments.Add(pairs[i].aValue);
   }
-  return std::move(arguments).Append(ctx) ? kDone : kFailed;
+  return std::move(arguments).Append(queue) ? kDone : kFailed;
 }
 
-int AppendItems(redisContext* ctx, const char* word, const char* key, const SetData* items,
+template <typename Queue>
+int AppendItems(Queue* queue, const char* word, const char* key, const SetData* items,
                 unsigned int count) {
   ArgumentVector arguments(word, key, 1, count);
   arguments.AddAll(items, count);
-  return std::move(arguments).Append(ctx) ? kDone : kFailed;
+  return std::move(arguments).Append(queue) ? kDone : kFailed;
+}
+
+template <typename Queue>
+int AppendObject(Queue* queue, const char* key, int kind, const void* data, unsigned int count) {
+  if (!queue || !key || !data) { return kFailed; }
+  switch (kind) {
+    case ZEPHLANE_TYPE_HASH:
+      return AppendHash(queue, key, static_cast<const InstanceData*>(data), count);
+    case ZEPHLANE_TYPE_SET:
+      return AppendItems(queue, "SADD", key, static_cast<const SetData*>(data), count);
+    case ZEPHLANE_TYPE_LIST:
+      return AppendItems(queue, "RPUSH", key, static_cast<const SetData*>(data), count);
+    default:
+      return kFailed;
+  }
 }
 
 bool IsRefusal(const Reply& reply) {
@@ -42,17 +62,12 @@ bool IsRefusal(const Reply& reply) {
 
 int pipelineCreateObject(redisContext* ctx, const char* aKey, int nKind, const void* aData,
                          unsigned int nCount) {
-  if (!ctx || !aKey || !aData) { return kFailed; }
-  switch (nKind) {
-    case ZEPHLANE_TYPE_HASH:
-      return AppendHash(ctx, aKey, static_cast<const InstanceData*>(aData), nCount);
-    case ZEPHLANE_TYPE_SET:
-      return AppendItems(ctx, "SADD", aKey, static_cast<const SetData*>(aData), nCount);
-    case ZEPHLANE_TYPE_LIST:
-      return AppendItems(ctx, "RPUSH", aKey, static_cast<const SetData*>(aData), nCount);
-    default:
-      return kFailed;
-  }
+  return AppendObject(ctx, aKey, nKind, aData, nCount);
+}
+
+bool zephlane::AddObject(RequestBatch* batch, const char* key, int kind, const void* data,
+                         unsigned int count) noexcept {
+  return AppendObject(batch, key, kind, data, count) == kDone;
 }
 
 int pipelineReceiveReply(redisContext* ctx, unsigned int nReplies) {

@@ -135,10 +135,28 @@ bool SendAll(redisContext& ctx, std::string_view bytes) noexcept {
   return true;
 }
 
+bool IsBlocking(const redisContext& ctx) noexcept {
+  return (ctx.flags & REDIS_BLOCK) != 0;
+}
+
+// Its output buffer is text that ends in a NUL.
+bool HasQueued(const redisContext& ctx) noexcept {
+  return ctx.obuf != nullptr && ctx.obuf[0] != '\0';
+}
+
 // hiredis sends what callers have queued, and serves connections that do not block: it then has to
-// send this command as well, behind what is queued. Its output buffer is text that ends in a NUL.
+// send this command as well, behind what is queued.
 bool SendsItself(const redisContext& ctx) noexcept {
-  return (ctx.flags & REDIS_BLOCK) == 0 || (ctx.obuf != nullptr && ctx.obuf[0] != '\0');
+  return !IsBlocking(ctx) || HasQueued(ctx);
+}
+
+// A lost connection shows when the replies are read.
+void SendBehindQueued(redisContext& ctx, std::string_view bytes) noexcept {
+  if (HasQueued(ctx)) {
+    const BrokenPipeHold hold;
+    for (int done = 0; done == 0 && redisBufferWrite(&ctx, &done) == REDIS_OK;) {}
+  }
+  if (ctx.err == 0) { (void)SendAll(ctx, bytes); }
 }
 
 Reply ReceiveReply(redisContext* ctx) noexcept {
@@ -173,7 +191,28 @@ bool Queue(redisContext* ctx, const RequestWords& words) noexcept {
                                 const_cast<const char**>(words.texts), words.lengths) == REDIS_OK;
 }
 
+bool RequestBatch::Add(const RequestWords& words) noexcept {
+  if (!IsBlocking(*ctx_)) { return Queue(ctx_, words); }
+  const EncodedRequest request(words);
+  if (!request) { return false; }
+  const std::string_view bytes = request.Bytes();
+  if (bytes.size() > kBufferSize - size_) { Send(); }
+  if (bytes.size() > kBufferSize) {
+    SendBehindQueued(*ctx_, bytes);
+    return true;
+  }
+  CopyCounted(buffer_ + size_, bytes);
+  size_ += bytes.size();
+  return true;
+}
+
+void RequestBatch::Send() noexcept {
+  SendBehindQueued(*ctx_, {buffer_, size_});
+  size_ = 0;
+}
+
 Reply NextReply(redisContext* ctx) noexcept {
+  if (!HasQueued(*ctx)) { return ReceiveReply(ctx); }  // of many replies only the first is sent for
   const BrokenPipeHold hold;
   return ReceiveReply(ctx);
 }

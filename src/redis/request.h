@@ -29,6 +29,25 @@ struct RequestWords {
 // Queues the words as one command. False when memory is out.
 [[nodiscard]] bool Queue(redisContext* ctx, const RequestWords& words) noexcept;
 
+// Commands that go out together, in as few pieces as a small buffer allows, so that the server
+// works on the first while the last are still being made. The replies are the caller's to read, one
+// for each command; a lost connection shows there.
+class RequestBatch {
+ public:
+  explicit RequestBatch(redisContext* ctx) noexcept : ctx_(ctx) {}
+  // Adds the words as one command. False when memory is out: what was added before still goes out.
+  [[nodiscard]] bool Add(const RequestWords& words) noexcept;
+  // Sends what has not been sent yet.
+  void Send() noexcept;
+
+ private:
+  static constexpr std::size_t kBufferSize = 8192;
+
+  redisContext* ctx_;
+  std::size_t size_ = 0;
+  char buffer_[kBufferSize];
+};
+
 // Sends what is queued and waits for the next reply.
 [[nodiscard]] Reply NextReply(redisContext* ctx) noexcept;
 

@@ -31,8 +31,30 @@ bool AreAllMembers(redisContext* ctx, const char* key, unsigned int count, Membe
   return true;
 }
 
+std::size_t CountWords(std::string_view text) {
+  zephlane::Tokenizer words(text);
+  std::size_t count = 0;
+  while (!words.Next(" ").empty()) { ++count; }
+  return count;
+}
+
+// The same without a format: the words of the text are borrowed where they stand.
+Reply CommandOfPlainText(redisContext* ctx, std::string_view word, std::string_view text) {
+  const std::size_t capacity = 1 + CountWords(text);
+  const auto texts = zephlane::UnfilledArray<const char*>(capacity);
+  const auto lengths = zephlane::UnfilledArray<std::size_t>(capacity);
+  if (!texts || !lengths) { return Reply(nullptr); }
+  zephlane::Tokenizer rest(text);
+  for (std::size_t i = 0; i < capacity; ++i, word = rest.Next(" ")) {
+    texts[i] = word.data();
+    lengths[i] = word.size();
+  }
+  return zephlane::Exchange(ctx, {texts.get(), lengths.get(), capacity});
+}
+
 // Sends a command word and a text whose blanks separate further words.
 Reply CommandOfWordAndText(redisContext* ctx, const char* word, const char* text) {
+  if (!zephlane::Contains(text, "%")) { return CommandOfPlainText(ctx, word, text); }
   const std::size_t size = std::strlen(word) + 1 + std::strlen(text) + 1;
   const auto command = zephlane::UnfilledArray<char>(size);
   if (!command) { return Reply(nullptr); }

@@ -7,6 +7,22 @@
 
 namespace zephlane {
 
+namespace {
+
+constexpr std::string_view kUuidForm = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
+
+bool IsHexDigit(char c) noexcept {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+// Precondition: as long as a UUID.
+bool HasUuidForm(std::string_view text) noexcept {
+  return std::equal(kUuidForm.begin(), kUuidForm.end(), text.begin(),
+                    [](char form, char c) { return form == '-' ? c == '-' : IsHexDigit(c); });
+}
+
+}  // namespace
+
 void CopyCut(std::span<char> out, std::string_view text) noexcept {
   if (out.empty()) { return; }
   const std::size_t length = std::min(text.size(), out.size() - 1);
@@ -26,6 +42,18 @@ bool CopyWhole(std::span<char> out, std::string_view text) noexcept {
 
 std::string_view BoundedText(std::span<const char> buffer) noexcept {
   return {buffer.data(), strnlen(buffer.data(), buffer.size())};
+}
+
+bool ContainsUuid(std::string_view text) noexcept {
+  constexpr std::size_t kFirstHyphen = kUuidForm.find('-');
+  // Each hyphen may be a UUID's first.
+  for (std::size_t hyphen = text.find('-', kFirstHyphen); hyphen != std::string_view::npos;
+       hyphen = text.find('-', hyphen + 1)) {
+    const std::string_view candidate = text.substr(hyphen - kFirstHyphen, kUuidForm.size());
+    if (candidate.size() < kUuidForm.size()) { return false; }
+    if (HasUuidForm(candidate)) { return true; }
+  }
+  return false;
 }
 
 std::string_view Tokenizer::Next(std::string_view delimiters) noexcept {

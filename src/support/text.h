@@ -34,6 +34,9 @@ void CopyCounted(char* out, std::string_view text) noexcept;
   return text.find(part) != std::string_view::npos;
 }
 
+// Whether a UUID lies anywhere in the text: 8, 4, 4, 4 and 12 hexadecimal digits of either case.
+[[nodiscard]] bool ContainsUuid(std::string_view text) noexcept;
+
 // What a report shows for a text that may be missing.
 [[nodiscard]] inline const char* Shown(const char* text) noexcept {
   return text != nullptr ? text : "(null)";

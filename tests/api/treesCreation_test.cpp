@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
 // Creating several objects with one round trip, and undoing it.
+#include <string>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "api/calls.h"
@@ -93,6 +96,20 @@ TEST_F(CreateMultipleObjects, SendsOneCommandForEach) {
   EXPECT_EQ(server_.Received(), Bulks({"HMSET", kFan, "Name", "Fan 1", "Note", ""}) +
                                     Bulks({"SADD", kSet, "b", "two words"}) +
                                     Bulks({"RPUSH", kList, "b", "two words"}));
+}
+
+TEST_F(CreateMultipleObjects, WritesMoreThanFitsIntoOnePiece) {
+  std::vector<std::string> keys;
+  std::vector<ObjectEntry> entries;
+  for (int i = 0; i < 300; ++i) {
+    keys.push_back("10000000-0000-0000-0000-000000000" + std::to_string(100 + i));
+  }
+  for (const std::string& key : keys) {
+    entries.push_back({key.c_str(), ZEPHLANE_TYPE_HASH, 2, pairs});
+  }
+  EXPECT_EQ(zephlaneCreateMultipleObjects(ctx(), entries.data(), 300), 0);
+  EXPECT_EQ(Ask({"DBSIZE"}), "300");
+  EXPECT_EQ(Ask({"HGET", keys[299], "Name"}), "Fan 1");
 }
 
 TEST_F(CreateMultipleObjects, OfNoneIsSuccessThatSendsNothing) {

@@ -190,11 +190,31 @@ TEST_F(ValidateResponse, FailsWhereTheInstanceCannotBeRead) {
   ExpectEachFails({{"lost", [&] { return zephlaneValidateResponseObject(scripted(), kFan); }, ""}});
 }
 
-TEST_F(ValidateResponse, FailsWhereItCannotTellALink) {
+TEST_F(ValidateResponse, NeedsNoMemoryForAPatternToTellALink) {
   const RegexFault fault;
-  ExpectFan(
-      1,
-      kNoRegex + ApiReport("error: [zephlaneValidateResponseObject], Invalid request InstanceID"));
+  ExpectFan(0, "");
+}
+
+TEST_F(ValidateResponse, MatchesEachUnknownPropertyWithThePatternOfItsOwnReply) {
+  const auto unknown = [](const std::string& pattern) {
+    return std::vector{Bulk("patterns"), Bulks({pattern, "StringType"})};
+  };
+  WillReply({Bulk("FanType"), kNothing, Bulks({"Colour", "red", "Paint", "matt", "Cost", "9"}),
+             kNothing, kNothing, kNothing});
+  // The first pattern is met twice, then another writer has changed it.
+  for (const char* pattern : {"^[CP]", "^[CP]", "^X"}) {
+    for (const std::string& reply : unknown(pattern)) { server_.WillReply(reply); }
+  }
+  WillReply({Bulk("true")});
+  EXPECT_EQ(PrintedBy([&] { EXPECT_EQ(zephlaneValidateResponseObject(scripted(), kFan), 0); }),
+            ApiReport("error: [validatePatternProperties], Failed to validate pattern"));
+}
+
+TEST_F(ValidateResponse, ReportsAPatternThatDoesNotCompileForEachProperty) {
+  AllowPattern("^(");
+  Allow("true");
+  Ask({"HSET", kFan, "Colour", "red", "Paint", "matt"});
+  ExpectFan(0, kNoRegex + kNoRegex);
 }
 
 class ValidateRequired : public ValidationTest {};

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <csignal>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -145,6 +146,93 @@ TEST_F(Requests, LeaveASignalThatWasPendingAndTheMask) {
   ASSERT_EQ(redisAppendCommand(server_.ctx(), "PING"), REDIS_OK);
   EXPECT_TRUE(NextReply(server_.ctx()));
   EXPECT_TRUE(SignalsAreUnblocked());
+}
+
+class RequestBatches : public Requests {
+ protected:
+  // Adds a command of `words`.
+  static bool Add(RequestBatch* batch, const std::vector<std::string>& words) {
+    std::vector<const char*> texts;
+    std::vector<std::size_t> lengths;
+    for (const std::string& word : words) {
+      texts.push_back(word.data());
+      lengths.push_back(word.size());
+    }
+    return batch->Add({texts.data(), lengths.data(), texts.size()});
+  }
+};
+
+TEST_F(RequestBatches, SendNothingBeforeTheyHaveToOrAreTold) {
+  RequestBatch batch(server_.ctx());
+  EXPECT_TRUE(Add(&batch, {"PING"}));
+  server_.WillReply("+DIRECT\r\n");
+  EXPECT_EQ(Command(server_.ctx(), "DIRECT").Text(), "DIRECT");
+  server_.WillReply("+PONG\r\n");
+  batch.Send();
+  EXPECT_EQ(NextReply(server_.ctx()).Text(), "PONG");
+  EXPECT_EQ(server_.Commands(), "DIRECT\nPING\n");
+}
+
+TEST_F(RequestBatches, LargerThanTheirBufferAreSentWholeAndInOrder) {
+  RequestBatch batch(ctx());
+  std::string expected;
+  for (int i = 0; i < 300; ++i) {
+    // Around the buffer's size and above it, between small ones.
+    const std::string item(i % 50 == 0 ? 8000 + static_cast<std::size_t>(i) : 40, 'a' + i % 26);
+    EXPECT_TRUE(Add(&batch, {"APPEND", "all", item}));
+    expected += item;
+  }
+  batch.Send();
+  for (int i = 0; i < 300; ++i) { EXPECT_TRUE(NextReply(ctx()).Is(REDIS_REPLY_INTEGER)); }
+  EXPECT_EQ(Ask({"GET", "all"}), expected);
+}
+
+TEST_F(RequestBatches, GoOutBehindWhatTheCallerHasQueued) {
+  server_.WillReply(":1\r\n");
+  server_.WillReply(":2\r\n");
+  ASSERT_EQ(redisAppendCommand(server_.ctx(), "QUEUED"), REDIS_OK);
+  RequestBatch batch(server_.ctx());
+  EXPECT_TRUE(Add(&batch, {"DIRECT"}));
+  batch.Send();
+  EXPECT_TRUE(NextReply(server_.ctx()).IsInteger(1));
+  EXPECT_TRUE(NextReply(server_.ctx()).IsInteger(2));
+  EXPECT_EQ(server_.Commands(), "QUEUED\nDIRECT\n");
+}
+
+TEST_F(RequestBatches, OfAConnectionThatDoesNotBlockAreQueued) {
+  server_.ctx()->flags &= ~REDIS_BLOCK;
+  RequestBatch batch(server_.ctx());
+  EXPECT_TRUE(Add(&batch, {"PING"}));
+  server_.ctx()->flags |= REDIS_BLOCK;
+  server_.WillReply("+PONG\r\n");
+  EXPECT_EQ(NextReply(server_.ctx()).Text(), "PONG");
+}
+
+TEST_F(RequestBatches, ForAClosedConnectionFailAtTheReadingWithoutASignal) {
+  HeldBrokenPipe signal;
+  redisContext* closed = Closed();
+  EXPECT_FALSE(Command(closed, "PING"));
+  closed->err = 0;
+  RequestBatch batch(closed);
+  EXPECT_TRUE(Add(&batch, {"PING"}));
+  batch.Send();
+  EXPECT_FALSE(NextReply(closed));
+  EXPECT_FALSE(signal.Taken());
+}
+
+TEST_F(RequestBatches, LoseOnlyTheCommandThereIsNoMemoryFor) {
+  server_.WillReply("+PONG\r\n");
+  RequestBatch batch(server_.ctx());
+  EXPECT_TRUE(Add(&batch, {"PING"}));
+  const std::string value(4000, 'v');
+  const char* texts[] = {"SET", "key", value.c_str()};
+  const std::size_t lengths[] = {3, 3, value.size()};
+  AllocationFault fault(1);
+  EXPECT_FALSE(batch.Add({texts, lengths, 3}));
+  fault.Disarm();
+  batch.Send();
+  EXPECT_EQ(NextReply(server_.ctx()).Text(), "PONG");
+  EXPECT_EQ(server_.Commands(), "PING\n");
 }
 
 }  // namespace

@@ -151,12 +151,12 @@ TEST(SetCommandArguments, NullAmongTheMembersIsRefusedBeforeAnythingIsSent) {
 
 const MemoryCase kSetMemory[] = {
     {"sdiffKey",
-     1,
+     2,
      "-1",
      {"*0\r\n"},
      [](redisContext* ctx) { return Shown(sdiffKey(ctx, "set")); }},
     {"saddCmd",
-     1,
+     2,
      "1",
      {":1\r\n"},
      [](redisContext* ctx) { return Shown(saddCmd(ctx, "set member")); }},

@@ -13,6 +13,7 @@ namespace {
 
 using zephlane::BoundedText;
 using zephlane::Contains;
+using zephlane::ContainsUuid;
 using zephlane::CopyCounted;
 using zephlane::CopyCut;
 using zephlane::CopyWhole;
@@ -107,6 +108,45 @@ TEST(ContainsText, FindsAPartAnywhere) {
   EXPECT_TRUE(Contains("abcdef", ""));
   EXPECT_FALSE(Contains("abcdef", "fa"));
   EXPECT_FALSE(Contains("", "a"));
+}
+
+constexpr const char* kTextsWithUuid[] = {
+    "1c9d2e3f-aaaa-bbbb-cccc-0123456789ab",
+    "/objects/1c9d2e3f-aaaa-BBBB-cccc-0123456789ab/y",
+    "XX1C9D2E3F-AAAA-BBBB-CCCC-0123456789ABCDEF",
+    "line\n1c9d2e3f-aaaa-bbbb-cccc-0123456789ab",
+    "12345678-1c9d2e3f-aaaa-bbbb-cccc-0123456789ab",
+    "a-b-c-1c9d2e3f-aaaa-bbbb-cccc-0123456789ab-1c9d",
+};
+
+constexpr const char* kTextsWithoutUuid[] = {
+    "",
+    "-",
+    "Fan 1",
+    "1c9d2e3f-aaaa",
+    "1c9d2e3f-aaaa-bbbb-cccc-0123456789a",
+    "c9d2e3f-aaaa-bbbb-cccc-0123456789ab",
+    "1c9d2e3g-aaaa-bbbb-cccc-0123456789ab",
+    "1c9d2e3f-aaaa-bbbb-cccc_0123456789ab",
+    "1c9d2e3f-aaaa-bbbb-cccc-0123456789a/",
+    "1c9d2e3f-aaaaa-bbbb-cccc-0123456789ab",
+    "1c9d2e3faaaabbbbcccc0123456789ab",
+    "------------------------------------",
+};
+
+TEST(ContainsUuidText, FindsAUuidAnywhere) {
+  for (const char* text : kTextsWithUuid) { EXPECT_TRUE(ContainsUuid(text)) << text; }
+}
+
+TEST(ContainsUuidText, TakesNothingElseForOne) {
+  for (const char* text : kTextsWithoutUuid) { EXPECT_FALSE(ContainsUuid(text)) << text; }
+}
+
+TEST(ContainsUuidText, EndsWithTheTextWhereverThatIsCut) {
+  const std::string uuid = "1c9d2e3f-aaaa-bbbb-cccc-0123456789ab";
+  for (std::size_t length = 0; length < uuid.size(); ++length) {
+    EXPECT_FALSE(ContainsUuid(std::string_view(uuid).substr(0, length))) << length;
+  }
 }
 
 // strtok() is what callers of the published functions know, so it says what is right.
