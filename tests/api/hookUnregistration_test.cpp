@@ -3,11 +3,13 @@
 // Unregistration of OEM hooks. Each case registers in a process of its own; those whose receiver
 // goes in circles afterwards are killed with their output caught.
 #include <fcntl.h>
+#include <sched.h>
 
 #include <string>
 #include <utility>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "api/hookFixture.h"
@@ -18,6 +20,7 @@
 
 namespace {
 
+using testing::HasSubstr;
 using zephlane::test::Capture;
 using zephlane::test::CreateQueue;
 using zephlane::test::HookTest;
@@ -39,6 +42,14 @@ class HookUnregistration : public HookTest {
   }
   int Unregister(const char* uuid) {
     return zephlaneOemHookFunctionUnregister(ctx(), uuid, program_.Argv());
+  }
+  // The receiver's perror() opens one more for moments, however long it is kept from running.
+  static bool ComeToDescriptors(int count) {
+    for (int i = 0; i < 100'000; ++i) {
+      if (Descriptors() == count) { return true; }
+      (void)sched_yield();
+    }
+    return false;
   }
   // The UUIDs of the table in order, by the last character of each.
   static std::string Table() {
@@ -133,13 +144,13 @@ TEST_F(HookUnregistration, NextEntryIsAppendedAfterTheLastOneWasRemoved) {
 TEST_F(HookUnregistration, SecondOneReportsTheQueueThatIsGone) {
   InFreshProcess([this] {
     EXPECT_EQ(Register(kUuid), 0);
+    const int without_queue = Descriptors() - 1;
     EXPECT_EQ(Unregister(kUuid), 0);
-    const int descriptors = Descriptors();
     const Output printed = Capture([this] { EXPECT_EQ(Unregister(kUuid), 0); });
-    EXPECT_EQ(printed.err,
-              "close queue error:: Bad file descriptor\n"
-              "remove queue error:: No such file or directory\n");
-    EXPECT_EQ(Descriptors(), descriptors);
+    // The receiver goes on reporting the queue that is gone, between these lines as well.
+    EXPECT_THAT(printed.err, HasSubstr("close queue error:: Bad file descriptor\n"));
+    EXPECT_THAT(printed.err, HasSubstr("remove queue error:: No such file or directory\n"));
+    EXPECT_TRUE(ComeToDescriptors(without_queue));
   });
 }
 
