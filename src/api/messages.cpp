@@ -19,7 +19,6 @@
 
 using zephlane::ApiError;
 using zephlane::CString;
-using zephlane::Duplicate;
 using zephlane::kDone;
 using zephlane::kFailed;
 using zephlane::kIdSize;

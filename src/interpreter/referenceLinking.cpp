@@ -217,7 +217,7 @@ unsigned int RecordedReferenceCount() noexcept {
   return recorded_references.load(std::memory_order_relaxed);
 }
 
-CRecord<PlaceholderLocation> getPropLocationReplaceData(redisContext* ctx,
+CRecord<PlaceholderLocation> getPropLocationReplaceData(const redisContext* ctx,
                                                         const SchemaReference* reference) {
   if (!ctx || !reference) {
     ReportNullArgument("getPropLocationReplaceData", 502);

@@ -45,7 +45,7 @@ struct Replacement {
 
 // Null on failure, after the report.
 [[nodiscard]] CRecord<PlaceholderLocation> getPropLocationReplaceData(
-    redisContext* ctx, const SchemaReference* reference);
+    const redisContext* ctx, const SchemaReference* reference);
 [[nodiscard]] CRecord<Replacement> getReferencePathReplaceData(redisContext* ctx,
                                                                const ReferenceTarget* target);
 // 0 or -1.

@@ -15,7 +15,7 @@ namespace zephlane {
 namespace {
 
 // Enough for the deepest store call and the report of a failure.
-constexpr std::uintptr_t kReserve = 48 * 1024;
+constexpr std::uintptr_t kReserve = std::uintptr_t{48} * 1024;
 
 // The lowest address of the calling thread's stack; 0 when the system does not tell.
 std::uintptr_t StackEnd() noexcept {
