@@ -4,10 +4,12 @@
 // goes in circles afterwards are killed with their output caught.
 #include <fcntl.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "api/hookFixture.h"
@@ -18,6 +20,7 @@
 
 namespace {
 
+using testing::HasSubstr;
 using zephlane::test::Capture;
 using zephlane::test::CreateQueue;
 using zephlane::test::HookTest;
@@ -39,6 +42,12 @@ class HookUnregistration : public HookTest {
   }
   int Unregister(const char* uuid) {
     return zephlaneOemHookFunctionUnregister(ctx(), uuid, program_.Argv());
+  }
+  // Without the one that perror() opens for a moment in the receiver.
+  static int DescriptorsAtRest() {
+    int fewest = Descriptors();
+    for (int i = 0; i < 100; ++i) { fewest = std::min(fewest, Descriptors()); }
+    return fewest;
   }
   // The UUIDs of the table in order, by the last character of each.
   static std::string Table() {
@@ -134,12 +143,12 @@ TEST_F(HookUnregistration, SecondOneReportsTheQueueThatIsGone) {
   InFreshProcess([this] {
     EXPECT_EQ(Register(kUuid), 0);
     EXPECT_EQ(Unregister(kUuid), 0);
-    const int descriptors = Descriptors();
+    const int descriptors = DescriptorsAtRest();
     const Output printed = Capture([this] { EXPECT_EQ(Unregister(kUuid), 0); });
-    EXPECT_EQ(printed.err,
-              "close queue error:: Bad file descriptor\n"
-              "remove queue error:: No such file or directory\n");
-    EXPECT_EQ(Descriptors(), descriptors);
+    // The receiver goes on reporting the queue that is gone, between these lines as well.
+    EXPECT_THAT(printed.err, HasSubstr("close queue error:: Bad file descriptor\n"));
+    EXPECT_THAT(printed.err, HasSubstr("remove queue error:: No such file or directory\n"));
+    EXPECT_EQ(DescriptorsAtRest(), descriptors);
   });
 }
 
