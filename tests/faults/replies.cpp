@@ -94,16 +94,12 @@ constexpr BadReply kBadReplies[] = {
 }  // namespace
 
 ServedConnection::Handler Recorder(redisContext* store, std::vector<Exchange>* exchanges) {
-  return [store, exchanges](const std::vector<std::string>& words) {
-    std::vector<const char*> texts;
-    std::vector<std::size_t> lengths;
-    for (const std::string& word : words) {
-      texts.push_back(word.data());
-      lengths.push_back(word.size());
-    }
-    auto* const reply = static_cast<redisReply*>(
-        redisCommandArgv(store, static_cast<int>(words.size()), texts.data(), lengths.data()));
-    exchanges->push_back({words[0], Serialised(*reply)});
+  return [store, exchanges](const ServedConnection::Command& command) {
+    (void)redisAppendFormattedCommand(store, command.raw.data(), command.raw.size());
+    void* raw = nullptr;
+    (void)redisGetReply(store, &raw);
+    auto* const reply = static_cast<redisReply*>(raw);
+    exchanges->push_back({std::string(command.word), Serialised(*reply)});
     freeReplyObject(reply);
     return ServedConnection::Answer{exchanges->back().raw};
   };
@@ -113,23 +109,21 @@ std::span<const BadReply> BadReplies() {
   return kBadReplies;
 }
 
-const std::string& Replay::Right(std::size_t index, const std::string& word) const {
-  static const std::string other = "+OK\r\n";
+std::string_view Replay::Right(std::size_t index, std::string_view word) const {
   if (index < exchanges_.size() && exchanges_[index].word == word) { return exchanges_[index].raw; }
   for (const Exchange& exchange : exchanges_) {
     if (exchange.word == word) { return exchange.raw; }
   }
-  return other;
+  return "+OK\r\n";
 }
 
-ServedConnection::Answer Replay::operator()(const std::vector<std::string>& words) {
-  if (words[0] == kSyncWord) { return {kSyncReply}; }
+ServedConnection::Answer Replay::operator()(const ServedConnection::Command& command) {
+  if (command.word == kSyncWord) { return {kSyncReply}; }
   const std::size_t index = next_++;
-  const std::string& right = Right(index, words[0]);
-  if (index == bad_index_) { return {bad_.Make(right), bad_.then_close}; }
+  if (index == bad_index_) { return {bad_raw_, closes_}; }
   // Wrong answers may make a call longer, but not without end.
   was_cut_off_ = index > 4 * exchanges_.size() + 200;
-  return {right, was_cut_off_};
+  return {Right(index, command.word), was_cut_off_};
 }
 
 }  // namespace zephlane::test

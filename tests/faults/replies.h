@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <hiredis/hiredis.h>
@@ -39,8 +40,11 @@ std::span<const BadReply> BadReplies();
 class Replay {
  public:
   Replay(const std::vector<Exchange>& exchanges, std::size_t bad_index, const BadReply& bad)
-      : exchanges_(exchanges), bad_index_(bad_index), bad_(bad) {}
-  ServedConnection::Answer operator()(const std::vector<std::string>& words);
+      : exchanges_(exchanges),
+        bad_index_(bad_index),
+        bad_raw_(bad.Make(exchanges[bad_index].raw)),
+        closes_(bad.then_close) {}
+  ServedConnection::Answer operator()(const ServedConnection::Command& command);
   [[nodiscard]] bool WasCutOff() const {
     return was_cut_off_;
   }
@@ -49,11 +53,12 @@ class Replay {
   }
 
  private:
-  [[nodiscard]] const std::string& Right(std::size_t index, const std::string& word) const;
+  [[nodiscard]] std::string_view Right(std::size_t index, std::string_view word) const;
 
   const std::vector<Exchange>& exchanges_;
   std::size_t bad_index_;
-  const BadReply& bad_;
+  std::string bad_raw_;
+  bool closes_;
   std::size_t next_ = 0;
   bool was_cut_off_ = false;
 };

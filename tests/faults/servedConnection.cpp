@@ -4,38 +4,44 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <charconv>
 #include <utility>
 
 namespace zephlane::test {
 
 namespace {
 
-// Puts the words of the first whole command of `text` from `at` on into `words` and moves `at`
-// behind it; false when it is not whole yet.
-bool TakeCommand(const std::string& text, std::size_t* at, std::vector<std::string>* words) {
-  words->clear();
-  std::size_t end = text.find("\r\n", *at);
-  if (end == std::string::npos) { return false; }
-  const std::size_t count = std::stoul(text.substr(*at + 1, end - *at - 1));
-  std::size_t next = end + 2;
-  while (words->size() < count) {
-    end = text.find("\r\n", next);
-    if (end == std::string::npos) { return false; }
-    const std::size_t length = std::stoul(text.substr(next + 1, end - next - 1));
-    if (text.size() < end + 2 + length + 2) { return false; }
-    words->push_back(text.substr(end + 2, length));
-    next = end + 2 + length + 2;
-  }
-  *at = next;
+// The number behind the type character of a line that begins at `*at`, which is moved behind the
+// line; false when the line is not whole yet.
+bool TakeNumber(std::string_view text, std::size_t* at, std::size_t* number) {
+  const std::size_t end = text.find('\n', *at);
+  if (end == std::string_view::npos) { return false; }
+  (void)std::from_chars(text.data() + *at + 1, text.data() + end, *number);
+  *at = end + 1;
   return true;
 }
 
-bool SendAll(int fd, const std::string& raw) {
-  std::size_t sent = 0;
-  while (sent < raw.size()) {
-    const ssize_t part = send(fd, raw.data() + sent, raw.size() - sent, MSG_NOSIGNAL);
+// The first command of `text`, which is taken off it; false when it is not whole yet.
+bool TakeCommand(std::string_view* text, ServedConnection::Command* command) {
+  std::size_t at = 0;
+  std::size_t count = 0;
+  if (text->empty() || !TakeNumber(*text, &at, &count)) { return false; }
+  for (std::size_t i = 0; i < count; ++i) {
+    std::size_t length = 0;
+    if (!TakeNumber(*text, &at, &length) || text->size() < at + length + 2) { return false; }
+    if (i == 0) { command->word = text->substr(at, length); }
+    at += length + 2;
+  }
+  command->raw = text->substr(0, at);
+  text->remove_prefix(at);
+  return true;
+}
+
+bool SendAll(int fd, std::string_view raw) {
+  while (!raw.empty()) {
+    const ssize_t part = send(fd, raw.data(), raw.size(), MSG_NOSIGNAL);
     if (part <= 0) { return false; }
-    sent += static_cast<std::size_t>(part);
+    raw.remove_prefix(static_cast<std::size_t>(part));
   }
   return true;
 }
@@ -67,17 +73,17 @@ void ServedConnection::End() {
 }
 
 bool ServedConnection::ServeCommands(std::string* pending) {
-  std::size_t at = 0;
-  std::vector<std::string> words;
-  while (at < pending->size() && TakeCommand(*pending, &at, &words)) {
-    const Answer answer = handler_(words);
+  std::string_view rest = *pending;
+  Command command;
+  while (TakeCommand(&rest, &command)) {
+    const Answer answer = handler_(command);
     if (!SendAll(fd_, answer.raw)) { return false; }
     if (answer.then_close) {
       (void)shutdown(fd_, SHUT_RDWR);
       return false;
     }
   }
-  pending->erase(0, at);
+  pending->erase(0, pending->size() - rest.size());
   return true;
 }
 

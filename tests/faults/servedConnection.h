@@ -5,8 +5,8 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <thread>
-#include <vector>
 
 #include <hiredis/hiredis.h>
 
@@ -14,12 +14,16 @@ namespace zephlane::test {
 
 class ServedConnection {
  public:
+  struct Command {
+    std::string_view word;  // its first
+    std::string_view raw;   // the whole, as it was sent
+  };
   struct Answer {
-    std::string raw;
+    std::string_view raw;  // stays valid until the next command
     bool then_close = false;
   };
   // Runs in a thread of its own until the connection ends.
-  using Handler = std::function<Answer(const std::vector<std::string>& words)>;
+  using Handler = std::function<Answer(const Command& command)>;
 
   explicit ServedConnection(Handler handler);
   ServedConnection(const ServedConnection&) = delete;
