@@ -7,8 +7,8 @@
  *
  * Status functions return 0 on success and 1 on failure. Indexes count from 0, negative ones from
  * the tail: -1 is the last item. An empty item reads as no item. A popped item that does not fit
- * the caller's buffer, or for which there is no memory, is lost. A push that another writer overlaps
- * may report a failure although the items are in the list.
+ * the caller's buffer, or for which memory is out, is lost. A push that another writer overlaps may
+ * report a failure although the items are in the list.
  */
 #ifndef ZEPHLANEAPI_LISTS_H
 #define ZEPHLANEAPI_LISTS_H

@@ -58,6 +58,10 @@ void Prepare(const FunctionCase& function, Stage& stage) {
   SendLines(stage.store, "FLUSHALL");
   SendLines(stage.store, kCommonContent);
   SendLines(stage.store, function.content);
+  PrepareProcess(function, stage);
+}
+
+void PrepareProcess(const FunctionCase& function, Stage& stage) {
   if (function.prepare) { function.prepare(stage); }
 }
 

@@ -38,6 +38,7 @@ enum Trait : unsigned {
   kSleeps = 1U << 2,        // waits a second
   kLeavesThread = 1U << 3,  // a thread that waits for messages stays behind
   kLeavesParts = 1U << 4,   // a failure leaves in the store what was written before it
+  kQueues = 1U << 5,        // what it sends goes out with a later call
 };
 
 struct FunctionCase {
@@ -68,8 +69,10 @@ struct FunctionFamily {
 
 std::span<const FunctionFamily> EveryFunction();
 
-// Empties the store and prepares a case; Finish takes the process's state back.
+// Empties the store, fills it and prepares the process; Finish takes the process's state back.
 void Prepare(const FunctionCase& function, Stage& stage);
+// The part of it that concerns the process, for calls whose connection does not lead to the store.
+void PrepareProcess(const FunctionCase& function, Stage& stage);
 void Finish(const FunctionCase& function, Stage& stage);
 
 // The families, one source each.

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <string>
+#include <utility>
 
 #include "support/owners.h"
 
@@ -100,6 +102,8 @@ const char* HeldRoot() {
 }
 
 void WriteSchemaFiles() {
+  static bool are_written = false;
+  if (std::exchange(are_written, true)) { return; }
   WriteFile(kConfigurationFile, kConfiguration);
   WriteFile(kRootFile, kRoot);
   WriteFile(std::string(kSchemaFiles) + "/Chassis.json", kChassis);

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <cstdarg>
+#include <utility>
 
 namespace {
 
@@ -16,6 +17,7 @@ thread_local int failing_error = 0;
 thread_local int failures_left = 0;
 thread_local int calls = 0;
 thread_local bool connect_fails = false;
+thread_local redisContext* connect_result = nullptr;
 
 bool FailsNow(int cmd) {
   if (cmd != failing_command) { return false; }
@@ -57,7 +59,8 @@ int __wrap_fcntl64(int fd, int cmd, ...) {
 }
 
 redisContext* __wrap_redisConnect(const char* ip, int port) {
-  return connect_fails ? nullptr : __real_redisConnect(ip, port);
+  if (connect_fails) { return std::exchange(connect_result, nullptr); }
+  return __real_redisConnect(ip, port);
 }
 
 }  // extern "C"
@@ -85,6 +88,16 @@ ConnectFault::ConnectFault() {
 
 ConnectFault::~ConnectFault() {
   connect_fails = false;
+}
+
+ConnectResult::ConnectResult(redisContext* connection) {
+  connect_fails = true;
+  connect_result = connection;
+}
+
+ConnectResult::~ConnectResult() {
+  connect_fails = false;
+  if (connect_result != nullptr) { redisFree(std::exchange(connect_result, nullptr)); }
 }
 
 }  // namespace zephlane::test

@@ -4,6 +4,8 @@
 // that no real file or server gives on demand. Calls that other libraries make are not touched.
 #pragma once
 
+#include <hiredis/hiredis.h>
+
 namespace zephlane::test {
 
 // fcntl() with the command `cmd` fails with `error` while this lives, for the first `times` calls.
@@ -24,6 +26,16 @@ class ConnectFault {
   ConnectFault(const ConnectFault&) = delete;
   ConnectFault& operator=(const ConnectFault&) = delete;
   ~ConnectFault();
+};
+
+// redisConnect() returns this connection, once, instead of making one while this lives; then NULL.
+class ConnectResult {
+ public:
+  explicit ConnectResult(redisContext* connection);
+  ConnectResult(const ConnectResult&) = delete;
+  ConnectResult& operator=(const ConnectResult&) = delete;
+  // Frees the connection when nobody has asked for it.
+  ~ConnectResult();
 };
 
 }  // namespace zephlane::test
