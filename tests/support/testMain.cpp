@@ -2,7 +2,6 @@
 //
 // main() of every test program: it starts itself again below the launcher that gives it a Redis
 // server of its own, unless it only lists its cases.
-#include <signal.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -46,8 +45,6 @@ int main(int argc, char** argv) {
   if (!OnlyLists(argc, argv) && std::getenv(zephlane::test::kPrivateRedisMark) == nullptr) {
     StartAgainWithServer(argc, argv);
   }
-  // hiredis writes to connections that tests close on purpose.
-  (void)signal(SIGPIPE, SIG_IGN);
   testing::InitGoogleTest(&argc, argv);
   return RUN_ALL_TESTS();
 }
