@@ -16,43 +16,16 @@ namespace zephlane::test {
 
 namespace {
 
-struct Range {
-  std::uint64_t begin = 0;
+// The end of the range in a line such as "7f12a0000000-7f12a0021000 rw-p 00000000 00:00 0 /a/file";
+// 0 for another line.
+std::uint64_t RangeEnd(const std::string& line) {
   std::uint64_t end = 0;
-};
-
-// A line such as "7f12a0000000-7f12a0021000 rw-p 00000000 00:00 0 /some/file"; empty for another.
-Range RangeOf(const std::string& line) {
-  Range range;
-  const int fields =
-      std::sscanf(line.c_str(), "%" SCNx64 "-%" SCNx64 " ", &range.begin, &range.end);
-  return fields == 2 ? range : Range{};
+  return std::sscanf(line.c_str(), "%*[0-9a-f]-%" SCNx64 " ", &end) == 1 ? end : 0;
 }
 
-// The first range of a table of mappings that is of a file.
-Range FirstOfFile(const char* table) {
-  std::ifstream stream(table);
-  for (std::string line; std::getline(stream, line);) {
-    if (RangeOf(line).end != 0 && line.find('/') != std::string::npos) { return RangeOf(line); }
-  }
-  return {};
-}
-
-// Where the emulator keeps the program's memory. It shows the program's own addresses in the one
-// table and those of the machine in the other.
-Range ProgramMemory() {
-  if constexpr (sizeof(void*) == 8) { return {0, UINT64_MAX}; }
-  constexpr std::uint64_t kWhole = std::uint64_t{1} << 32;
-  const Range own = FirstOfFile("/proc/self/maps");
-  std::ifstream stream("/proc/self/smaps");
-  for (std::string line; std::getline(stream, line);) {
-    const Range range = RangeOf(line);
-    if (range.end - range.begin == own.end - own.begin && range.begin % kWhole == own.begin) {
-      return {range.begin - own.begin, range.begin - own.begin + kWhole};
-    }
-  }
-  return {};
-}
+// An emulated program of 32 bits lies at the low end of the memory, its emulator far above.
+constexpr std::uint64_t kEndOfMemory =
+    sizeof(void*) == 4 ? (std::uint64_t{1} << 32) : std::uint64_t{UINT64_MAX};
 
 constexpr std::size_t kStackSize = std::size_t{1} << 20;
 constexpr std::uint64_t kPaint = 0x5a17c0de5a17c0de;
@@ -75,17 +48,14 @@ void* RunOnPaint(void* argument) {
 }  // namespace
 
 long ResidentKilobytes() {
-  const Range memory = ProgramMemory();
-  long sum = -1;
-  Range range;
+  long sum = 0;
+  std::uint64_t end = 0;
   std::ifstream stream("/proc/self/smaps");
   for (std::string line; std::getline(stream, line);) {
-    if (const Range next = RangeOf(line); next.end != 0) { range = next; }
+    if (const std::uint64_t next = RangeEnd(line); next != 0) { end = next; }
     long kilobytes = 0;
     const bool is_resident = std::sscanf(line.c_str(), "Rss: %ld kB", &kilobytes) == 1;
-    if (is_resident && range.begin >= memory.begin && range.end <= memory.end) {
-      sum = std::max(sum, 0L) + kilobytes;
-    }
+    if (is_resident && end <= kEndOfMemory) { sum += kilobytes; }
   }
   return sum;
 }

@@ -9,7 +9,7 @@
 namespace zephlane::test {
 
 // Pages that the process holds in memory. In an emulated process those of the program alone, not
-// the emulator's. -1 when the system does not tell.
+// the emulator's. 0 when the system does not tell.
 long ResidentKilobytes();
 
 // Runs `body` in a thread of its own and returns how many bytes of the stack it used at its
