@@ -53,8 +53,7 @@ void AddCreationPairs(redisContext* /*ctx*/) {
            .function = "zephlaneCreateMultipleObjects",
            .allowed = kThroughput,
            .library = [](redisContext* ctx) { sensors.Create(ctx); },
-           .pipelined = true,
-           .batch = 1});
+           .pipelined = true});
   AddPair({.family = "identity",
            .function = "zephlaneGenerateUUID",
            .allowed = kSequence,

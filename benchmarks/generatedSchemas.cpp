@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "generatedSchemas.h"
 
-#include <filesystem>
 #include <fstream>
 
 namespace zephlane::bench {
@@ -14,8 +13,8 @@ constexpr unsigned int kPropertiesPerFile = 20;
 // property in the root schema.
 constexpr unsigned int kObjectsPerFile = kPropertiesPerFile + 4;
 
-std::string PartName(unsigned int n) {
-  return "Part" + std::to_string(n);
+std::string FileOf(const std::string& name) {
+  return name + ".v1_0_0.json";
 }
 
 std::string Head(const std::string& name) {
@@ -24,17 +23,16 @@ std::string Head(const std::string& name) {
 }
 
 std::string ReferenceTo(const std::string& name) {
-  return R"({"$ref": ")" + std::string(kLocation) + name + ".v1_0_0.json#/definitions/" + name +
-         "\"}";
+  return R"({"$ref": ")" + std::string(kLocation) + FileOf(name) + "#/definitions/" + name + "\"}";
 }
 
 void Write(const std::string& folder, const std::string& name, const std::string& properties) {
-  std::ofstream(folder + "/" + name + ".v1_0_0.json") << Head(name) + properties + "}}}}\n";
+  std::ofstream(folder + "/" + FileOf(name)) << Head(name) + properties + "}}}}\n";
 }
 
-// Every part is like the others, and refers to the one before it.
-std::string PropertiesOf(unsigned int n) {
-  std::string properties = R"("Neighbour": )" + ReferenceTo(PartName(n == 0 ? 0 : n - 1));
+// Every part is like the others, and refers to one of them.
+std::string PropertiesWith(const std::string& neighbour) {
+  std::string properties = R"("Neighbour": )" + ReferenceTo(neighbour);
   for (unsigned int i = 1; i < kPropertiesPerFile; ++i) {
     properties += R"(, "Reading)" + std::to_string(i) +
                   R"(": {"description": "One of its readings.", "type": "integer", )" +
@@ -45,14 +43,18 @@ std::string PropertiesOf(unsigned int n) {
 
 }  // namespace
 
-void GenerateSchemas(const std::string& folder, unsigned int objects) {
-  std::filesystem::create_directories(folder);
+std::string GenerateSchemas(const std::string& folder, unsigned int objects) {
+  const std::string set = "Set" + std::to_string(objects);
   std::string parts;
+  std::string neighbour = set + "Part0";
   for (unsigned int n = 0; n < objects / kObjectsPerFile; ++n) {
-    Write(folder, PartName(n), PropertiesOf(n));
-    parts += (n == 0 ? "\"" : ", \"") + PartName(n) + "\": " + ReferenceTo(PartName(n));
+    const std::string part = set + "Part" + std::to_string(n);
+    Write(folder, part, PropertiesWith(neighbour));
+    parts += (n == 0 ? "\"" : ", \"") + part + "\": " + ReferenceTo(part);
+    neighbour = part;
   }
-  Write(folder, "Root", parts);
+  Write(folder, set + "Root", parts);
+  return FileOf(set + "Root");
 }
 
 }  // namespace zephlane::bench

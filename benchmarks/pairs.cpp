@@ -3,7 +3,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -24,13 +26,12 @@ using Clock = std::chrono::steady_clock;
 class Side {
  public:
   explicit Side(Step call) : call_(std::move(call)) {}
-  double RunBatch(redisContext* ctx, const Pair& pair) {
-    const unsigned int calls = pair.prepare ? 1 : pair.batch;
+  double RunBatch(redisContext* ctx, const Pair& pair, std::size_t calls) {
     if (pair.prepare) { pair.prepare(ctx); }
     const auto start = Clock::now();
-    for (unsigned int i = 0; i < calls; ++i) { call_(ctx); }
+    for (std::size_t i = 0; i < calls; ++i) { call_(ctx); }
     const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    batches_.push_back(seconds / calls);
+    batches_.push_back(seconds / static_cast<double>(calls));
     return seconds;
   }
   [[nodiscard]] double MedianSeconds() {
@@ -58,12 +59,13 @@ class RunnablePair {
     if (!commands_) { Record(ctx); }
     Side library(pair_.library);
     Side raw([this](redisContext* connection) { RunRaw(connection); });
+    const std::size_t calls = CallsPerBatch();
     bool library_first = true;
     for (auto _ : state) {
       Side& first = library_first ? library : raw;
       Side& second = library_first ? raw : library;
-      const double seconds = first.RunBatch(ctx, pair_);
-      state.SetIterationTime(seconds + second.RunBatch(ctx, pair_));
+      const double seconds = first.RunBatch(ctx, pair_, calls);
+      state.SetIterationTime(seconds + second.RunBatch(ctx, pair_, calls));
       library_first = !library_first;
     }
     state.counters[kLibraryCounter] = library.MedianSeconds();
@@ -72,6 +74,13 @@ class RunnablePair {
   }
 
  private:
+  // Few commands in a row, so that both sides see the same moments. Where there is something to
+  // prepare it is done for each call.
+  [[nodiscard]] std::size_t CallsPerBatch() const {
+    constexpr std::size_t kCommandsPerBatch = 16;
+    const std::size_t calls = kCommandsPerBatch / std::max<std::size_t>(commands_->Count(), 1);
+    return pair_.prepare ? 1 : std::max<std::size_t>(calls, 1);
+  }
   void Record(redisContext* ctx) {
     // The first call may fill what is kept for later ones, such as a configured limit.
     for (int i = 0; i < 2; ++i) {

@@ -68,10 +68,8 @@ void WriteRow(std::ostream& out, const PairResult& pair, int y) {
   WriteText(out, kPlotLeft - 10, y, pair.function, "text-anchor=\"end\"");
   WriteLine(out, X(Quantile(pair.ratios, 0.25)), middle, X(Quantile(pair.ratios, 0.75)), middle,
             "stroke=\"#7aa6d6\" stroke-width=\"6\"");
-  if (pair.allowed > 0) {
-    WriteLine(out, X(pair.allowed), middle - 6, X(pair.allowed), middle + 6,
-              "stroke=\"#c33\" stroke-width=\"2\"");
-  }
+  WriteLine(out, X(pair.allowed), middle - 6, X(pair.allowed), middle + 6,
+            "stroke=\"#c33\" stroke-width=\"2\"");
   out << "<circle cx=\"" << X(pair.Ratio()) << "\" cy=\"" << middle << "\" r=\"4\" fill=\""
       << (pair.IsWithin() ? "#1f4e79" : "#c33") << "\"/>\n"
       << "<text x=\"" << kPlotLeft + kPlotWidth + 12 << "\" y=\"" << y << "\">" << std::fixed

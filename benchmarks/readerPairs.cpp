@@ -20,11 +20,8 @@ constexpr std::size_t kMembers = 1000;
 constexpr unsigned int kIdRange = 1;
 
 void Add(const char* function, Step library) {
-  AddPair({.family = kFamily,
-           .function = function,
-           .allowed = kReader,
-           .library = std::move(library),
-           .batch = 2});
+  AddPair(
+      {.family = kFamily, .function = function, .allowed = kReader, .library = std::move(library)});
 }
 
 }  // namespace

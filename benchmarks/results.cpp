@@ -20,11 +20,9 @@ double CounterOf(const benchmark::BenchmarkReporter::Run& run, const std::string
 }
 
 void Print(const PairResult& pair) {
-  std::printf("%-36s %8.0f %12.2f %12.2f %8.3f", pair.function.c_str(), pair.commands,
+  std::printf("%-36s %8.0f %12.2f %12.2f %8.3f %8.3f%s\n", pair.function.c_str(), pair.commands,
               1e6 * Quantile(pair.library_seconds, 0.5), 1e6 * Quantile(pair.raw_seconds, 0.5),
-              pair.Ratio());
-  if (pair.allowed > 0) { std::printf(" %8.3f%s", pair.allowed, pair.IsWithin() ? "" : "  above"); }
-  std::printf("\n");
+              pair.Ratio(), pair.allowed, pair.IsWithin() ? "" : "  above");
   (void)std::fflush(stdout);
 }
 

@@ -25,7 +25,7 @@ double Quantile(std::vector<double> values, double part);
 struct PairResult {
   std::string family;
   std::string function;
-  double allowed;  // 0 when no limit is set
+  double allowed;
   double commands = 0;
   std::vector<double> library_seconds = {};
   std::vector<double> raw_seconds = {};
@@ -35,7 +35,7 @@ struct PairResult {
     return Quantile(ratios, 0.5);
   }
   [[nodiscard]] bool IsWithin() const {
-    return allowed == 0 || Ratio() <= allowed;
+    return Ratio() <= allowed;
   }
 };
 

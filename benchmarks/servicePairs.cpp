@@ -37,7 +37,7 @@ Step Preparation(std::vector<CommandWords> commands) {
 void Add(const char* family, const char* function, Step library, Step prepare = nullptr) {
   AddPair({.family = family,
            .function = function,
-           .allowed = kSequence,
+           .allowed = kService,
            .library = std::move(library),
            .prepare = std::move(prepare)});
 }

@@ -290,6 +290,17 @@ TEST_F(SetCommands, SaddSplitsItsTextAtBlanks) {
   EXPECT_EQ(Dump(), "set set\n  one\n  two\n");
 }
 
+TEST_F(SetCommands, JoinedTextsSendTheirWordsAndNoBlanks) {
+  for (int i = 0; i < 4; ++i) { server_.WillReply(":0\r\n"); }
+  EXPECT_EQ(saddCmd(server_.ctx(), "  set   one two "), 0);
+  EXPECT_EQ(saddCmd(server_.ctx(), "set 100%% one"), 0);
+  EXPECT_EQ(saddCmd(server_.ctx(), " "), 0);
+  EXPECT_EQ(sdiffKey(server_.ctx(), ""), -1);
+  const std::vector<Words> commands = {
+      {"SADD", "set", "one", "two"}, {"SADD", "set", "100%", "one"}, {"SADD"}, {"sdiff"}};
+  EXPECT_EQ(server_.Received(), Wire(commands));
+}
+
 TEST_F(SetCommands, SaddOfAMemberIsDone) {
   Ask({"SADD", "set", "one"});
   EXPECT_EQ(saddCmd(ctx(), "set one"), 0);
