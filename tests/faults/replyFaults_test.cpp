@@ -17,6 +17,7 @@
 #include "faults/everyFunction.h"
 #include "faults/faultStage.h"
 #include "faults/replies.h"
+#include "redis/command.h"
 #include "support/callFault.h"
 #include "support/output.h"
 
@@ -97,11 +98,9 @@ class ReplyFaults : public testing::TestWithParam<FunctionFamily> {
   // Whether the next reply on a connection that still lives belongs to the next command.
   static bool AsksInTurn(redisContext* ctx) {
     if (ctx->err != 0) { return true; }
-    auto* const reply = static_cast<redisReply*>(redisCommand(ctx, kSyncWord));
-    const bool in_turn = reply == nullptr || (reply->type == REDIS_REPLY_STATUS &&
-                                              std::string(reply->str) == "synchronous");
-    if (reply != nullptr) { freeReplyObject(reply); }
-    return in_turn;
+    // Not with redisCommand(), which raises SIGPIPE where the server has closed the connection.
+    const Reply reply = Command(ctx, "%s", kSyncWord);
+    return !reply || (reply.Is(REDIS_REPLY_STATUS) && reply.Text() == "synchronous");
   }
   void CallWithBadReply(const FunctionCase& function, const std::vector<Exchange>& exchanges,
                         std::size_t index, const BadReply& bad) {
