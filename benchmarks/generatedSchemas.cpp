@@ -9,9 +9,8 @@ namespace {
 
 constexpr char kLocation[] = "http://schemas.example.com/model/v1/";
 constexpr unsigned int kPropertiesPerFile = 20;
-// A file's hashes: its root, its definitions, the definition itself, its properties; and its
-// property in the root schema.
-constexpr unsigned int kObjectsPerFile = kPropertiesPerFile + 4;
+// The objects of a file, with its property in the root schema.
+constexpr unsigned int kObjectsPerFile = kPropertiesPerFile + 2;
 
 std::string FileOf(const std::string& name) {
   return name + ".v1_0_0.json";

@@ -86,11 +86,13 @@ bool ResultReporter::ReportContext(const Context& /*context*/) {
 
 void ResultReporter::ReportRuns(const std::vector<Run>& runs) {
   PairResult* pair = nullptr;
+  bool has_sizes = false;
   for (const Run& run : runs) {
     if (run.run_type != Run::RT_Iteration || run.error_occurred) { continue; }
     const auto announced = Announced().find(run.run_name.function_name);
     if (announced == Announced().end()) {
       AddSizes(run);
+      has_sizes = true;
       continue;
     }
     if (pair == nullptr) { pair = &results_.pairs.emplace_back(announced->second); }
@@ -101,11 +103,8 @@ void ResultReporter::ReportRuns(const std::vector<Run>& runs) {
     pair->raw_seconds.push_back(raw);
     pair->ratios.push_back(library / raw);
   }
-  if (pair != nullptr) {
-    Print(*pair);
-  } else {
-    Print(results_.sizes);
-  }
+  if (pair != nullptr) { Print(*pair); }
+  if (has_sizes) { Print(results_.sizes); }
 }
 
 void ResultReporter::AddSizes(const Run& run) {
