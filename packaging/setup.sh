@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: MIT
 # shellcheck shell=bash
 #
-# What ./demo, ./test and .ci/run share: the Debian packages they need, getting them, configuring a
-# preset, and how many tests may run at once. Sourced from the root of the repository, with
-# `set -euo pipefail`.
+# What ./demo, ./test, ./bench and .ci/run share: the Debian packages they need, getting them,
+# configuring a preset, and how many tests may run at once. Sourced from the root of the repository,
+# with `set -euo pipefail`.
 # With every package there no package manager is called, so that all of it works offline and for
 # ordinary users.
 
