@@ -129,9 +129,7 @@ TEST_P(AllocationFaults, OfRegularExpressionsEndSo) {
   EXPECT_FALSE(HasLeaks());
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, AllocationFaults,
-                         testing::ValuesIn(EveryFunction().begin(), EveryFunction().end()),
-                         FamilyName);
+INSTANTIATE_TEST_SUITE_P(Every, AllocationFaults, testing::ValuesIn(FaultFamilies()), FamilyName);
 
 // The sum, when one process runs more than one family.
 class Total : public testing::Environment {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -42,6 +43,10 @@ bool HasLeaks();
 
 // What names a point in messages.
 std::string Described(const Outcome& outcome);
+
+// The families as cases of a test: a whole interpreter run, which takes longer than anything else,
+// is one of its own, "driver".
+std::vector<FunctionFamily> FaultFamilies();
 
 // The names of cases of a test that is instantiated with the families.
 std::string FamilyName(const testing::TestParamInfo<FunctionFamily>& info);
