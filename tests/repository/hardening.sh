@@ -1,17 +1,14 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 #
-# hardening.sh READELF [--optimised] FILE...: each is position-independent, resolves its symbols
-# before it runs and then has them read-only, and uses the stack protector; none has an executable
-# stack. The C library's checked functions are in optimised builds only.
+# hardening.sh READELF [--optimised | --unoptimised | FILE]...: each file is position-independent,
+# resolves its symbols before it runs and then has them read-only, and uses the stack protector; none
+# has an executable stack. The C library's checked functions are in optimised files only, those named
+# behind --optimised.
 set -euo pipefail
 readelf=$1
 shift
 optimised=no
-if [[ $1 == --optimised ]]; then
-  optimised=yes
-  shift
-fi
 status=0
 
 has() { # FILE WHAT PATTERN OPTION
@@ -22,6 +19,10 @@ has() { # FILE WHAT PATTERN OPTION
 }
 
 for file in "$@"; do
+  case $file in
+    --optimised) optimised=yes; continue ;;
+    --unoptimised) optimised=no; continue ;;
+  esac
   has "$file" 'position-independent code' 'Type: +DYN' --file-header
   has "$file" 'read-only relocations' 'GNU_RELRO' --program-headers
   has "$file" 'binding before the start' 'BIND_NOW|FLAGS_1.*NOW' --dynamic
