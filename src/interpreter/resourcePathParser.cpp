@@ -65,7 +65,7 @@ bool FindNameComponent(const char* input, std::string_view* name) {
 }
 
 int SaveName(std::string_view name, char* out) {
-  if (CopyWhole({out, kSchemaNameSize}, name)) { return 0; }
+  if (CopyTerminated({out, kSchemaNameSize}, name)) { return 0; }
   InterpreterError{kSource}("Length of schema name is out of buffer size\n");
   return -1;
 }
@@ -204,7 +204,7 @@ int extractResourcePathPrefix(const char* input, std::size_t length, char* out) 
   }
   // The name is taken to end the input.
   const std::size_t prefix_length = length - std::min(length, std::strlen(name));
-  if (!CopyWhole({out, kPrefixSize}, {input, prefix_length})) {
+  if (!CopyTerminated({out, kPrefixSize}, {input, prefix_length})) {
     InterpreterError{kSource}("Length of path prefix is out of range !!!\n");
     return -1;
   }
@@ -221,7 +221,7 @@ int extractPropertyPath(const char* input, char* out) {
     InterpreterError{kSource}("strrchr\n");
     return -1;
   }
-  if (!CopyWhole({out, kPropertyPathSize}, last_hash)) {
+  if (!CopyTerminated({out, kPropertyPathSize}, last_hash)) {
     InterpreterError{kSource}("Length of path to destination proertyis out of buffer size !!!\n");
     return -1;
   }
@@ -236,7 +236,7 @@ bool IsPointerPath(const ResourcePath& path) noexcept {
 int SplitFileReference(const char* reference, ResourcePath* out) {
   const std::size_t length = std::strlen(reference) - 1;
   char former[kFormerSize];
-  if (!CopyWhole(former, {reference, length})) {
+  if (!CopyTerminated(former, {reference, length})) {
     InterpreterError{kSource}("Reference path length is too long ......... !!!\n");
     return 1;
   }
@@ -251,7 +251,7 @@ int SplitPointerReference(const char* reference, ResourcePath* out) {
     return 1;
   }
   char former[kFormerSize];
-  if (!CopyWhole(former, {reference, length})) {
+  if (!CopyTerminated(former, {reference, length})) {
     InterpreterError{kSource}("Reference former is out of range !!!\n");
     InterpreterError{kSource}("--> %s\n", reference);
     return 1;
@@ -337,7 +337,7 @@ int parseResourcePath(const char* aInput, ResourcePath* aResourcePath) {
     return 1;
   }
   if (!zephlane::IsAcceptableName(aInput)) { return 1; }
-  if (!zephlane::CopyWhole(aResourcePath->path, aInput)) {
+  if (!zephlane::CopyTerminated(aResourcePath->path, aInput)) {
     InterpreterError{kSource}("Source path is out of range. Acceptable length is (%zu) !!!\n",
                               sizeof(aResourcePath->path));
     return 1;

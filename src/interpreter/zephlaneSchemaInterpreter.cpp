@@ -37,47 +37,46 @@ constexpr char kSource[] = "zephlaneSchemaInterpreter.cpp";
 constexpr char kUriConfigurationFile[] = "/tmp/etc/SchemaURIConf.json";
 constexpr char kRootSpot[] = "#";
 
-// The keywords that are stored; every other member of a schema object is an annotation. The last
-// keyword is the configured message property, whatever its name.
-const char* const kEssentialFields[] = {"title",
-                                        "$schema",
-                                        "type",
-                                        "required",
-                                        "properties",
-                                        "patternProperties",
-                                        "items",
-                                        "$ref",
-                                        "definitions",
-                                        "oneOf",
-                                        "anyOf",
-                                        "allOf",
-                                        "enum",
-                                        "maximum",
-                                        "minimum",
-                                        "pattern",
-                                        "readonly",
-                                        "format",
-                                        "additionalProperties",
-                                        "additionalItems",
-                                        "uniqueItems",
-                                        "maxLength",
-                                        "minLength",
-                                        "maxItems",
-                                        "minItems",
-                                        "maxProperties",
-                                        "minProperties",
-                                        "default",
-                                        "not",
-                                        "dependencies",
-                                        "requiredOnCreate",
-                                        "links",
-                                        "href",
-                                        "rel",
-                                        "typeId",
-                                        "instanceCollection",
-                                        "ttl",
-                                        "RefSchema",
-                                        propertyRuxoMessage};
+// The keywords that are stored, and with them the configured message property, whatever its name.
+// Every other member of a schema object is an annotation.
+constexpr std::string_view kEssentialFields[] = {"title",
+                                                 "$schema",
+                                                 "type",
+                                                 "required",
+                                                 "properties",
+                                                 "patternProperties",
+                                                 "items",
+                                                 "$ref",
+                                                 "definitions",
+                                                 "oneOf",
+                                                 "anyOf",
+                                                 "allOf",
+                                                 "enum",
+                                                 "maximum",
+                                                 "minimum",
+                                                 "pattern",
+                                                 "readonly",
+                                                 "format",
+                                                 "additionalProperties",
+                                                 "additionalItems",
+                                                 "uniqueItems",
+                                                 "maxLength",
+                                                 "minLength",
+                                                 "maxItems",
+                                                 "minItems",
+                                                 "maxProperties",
+                                                 "minProperties",
+                                                 "default",
+                                                 "not",
+                                                 "dependencies",
+                                                 "requiredOnCreate",
+                                                 "links",
+                                                 "href",
+                                                 "rel",
+                                                 "typeId",
+                                                 "instanceCollection",
+                                                 "ttl",
+                                                 "RefSchema"};
 
 // Where the schema files lie: the prefix of the root schema's path. Set by the driver.
 char schema_directory[sizeof(ResourcePath::prefix)] = "";
@@ -372,10 +371,10 @@ int isSpecialSchemaFile(const char* aName) {
 
 int isTypeSchemaEssentialField(const char* aName) {
   if (!aName) { return 0; }
-  for (const char* field : zephlane::kEssentialFields) {
-    if (std::strcmp(aName, field) == 0) { return 1; }
-  }
-  return 0;
+  const std::string_view name = aName;
+  const auto& fields = zephlane::kEssentialFields;
+  const bool is_keyword = std::find(std::begin(fields), std::end(fields), name) != std::end(fields);
+  return is_keyword || name == propertyRuxoMessage ? 1 : 0;
 }
 
 RouteSpot* parserRouteCreateNode(const char* aSpotName) {

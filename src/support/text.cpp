@@ -34,6 +34,12 @@ void CopyCounted(char* out, std::string_view text) noexcept {
   if (!text.empty()) { std::memcpy(out, text.data(), text.size()); }
 }
 
+bool CopyTerminated(std::span<char> out, std::string_view text) noexcept {
+  if (text.size() >= out.size()) { return false; }
+  CopyCut(out, text);
+  return true;
+}
+
 bool CopyWhole(std::span<char> out, std::string_view text) noexcept {
   if (text.size() >= out.size()) { return false; }
   std::fill(std::copy(text.begin(), text.end(), out.begin()), out.end(), '\0');

@@ -23,6 +23,9 @@ void CopyCut(std::span<char> out, std::string_view text) noexcept;
 // zero-fill their buffers, and may have room for the characters only.
 void CopyCounted(char* out, std::string_view text) noexcept;
 
+// Copies `text`, terminated. False, with `out` untouched, when it is too long.
+[[nodiscard]] bool CopyTerminated(std::span<char> out, std::string_view text) noexcept;
+
 // Copies `text`, terminated, and zero-fills the rest. False, with `out` untouched, when it is too
 // long.
 [[nodiscard]] bool CopyWhole(std::span<char> out, std::string_view text) noexcept;

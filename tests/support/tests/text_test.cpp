@@ -16,6 +16,7 @@ using zephlane::Contains;
 using zephlane::ContainsUuid;
 using zephlane::CopyCounted;
 using zephlane::CopyCut;
+using zephlane::CopyTerminated;
 using zephlane::CopyWhole;
 using zephlane::Tokenizer;
 
@@ -73,6 +74,21 @@ TEST(CopyCountedText, CopiesTheCharactersAndNoTerminator) {
   EXPECT_EQ(buffer.Shown(), "abc#####");
   CopyCounted(buffer.Front(8).data(), std::string_view());
   EXPECT_EQ(buffer.Shown(), "abc#####");
+}
+
+TEST(CopyTerminatedText, CopiesAndTouchesNothingBehindTheTerminator) {
+  TextBuffer buffer;
+  EXPECT_TRUE(CopyTerminated(buffer.Front(6), "abc"));
+  EXPECT_EQ(buffer.Shown(), "abc.####");
+}
+
+TEST(CopyTerminatedText, TooLongTextIsRefusedWithTheBufferUntouched) {
+  TextBuffer buffer;
+  EXPECT_FALSE(CopyTerminated(buffer.Front(6), "abcdef"));
+  EXPECT_FALSE(CopyTerminated(buffer.Front(0), ""));
+  EXPECT_EQ(buffer.Shown(), "########");
+  EXPECT_TRUE(CopyTerminated(buffer.Front(6), "abcde"));
+  EXPECT_EQ(buffer.Shown(), "abcde.##");
 }
 
 TEST(CopyWholeText, CopiesAndZeroFillsTheRest) {
