@@ -280,7 +280,9 @@ TEST_F(ServerDeath, WorkGoesOnAfterDeathsAtAnyMoment) {
   }
   may_end.Open();
   EXPECT_EQ(worker.Result(), std::to_string(kDeaths) + " lost, works");
-  EXPECT_EQ(zephlane::test::Ask(ConnectToStore(), {"GET", kKey}), "text");
+  redisContext* ctx = ConnectToStore();
+  EXPECT_EQ(zephlane::test::Ask(ctx, {"GET", kKey}), "text");
+  redisFree(ctx);
 }
 
 }  // namespace
