@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "faults/faultStage.h"
 
+#include <fcntl.h>
 #include <pthread.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <iterator>
 
@@ -11,7 +14,10 @@
 
 #include <zephlaneAPI.h>
 
-extern "C" int __lsan_do_recoverable_leak_check() __attribute__((weak));
+extern "C" {
+int __lsan_do_recoverable_leak_check() __attribute__((weak));
+void __sanitizer_set_report_fd(void* fd) __attribute__((weak));
+}
 
 namespace zephlane::test {
 
@@ -58,7 +64,11 @@ const NamedLock locks[] = {{"UUID lock", zephlaneAutoGenerateUUIDLock},
 
 }  // namespace
 
-FaultStage::FaultStage() : stage_{ConnectToStore(), ConnectToStore()} {}
+FaultStage::FaultStage() : stage_{ConnectToStore(), ConnectToStore()} {
+  // What a sanitizer has to say must be seen, also while the output of a call is caught.
+  static const std::intptr_t errors = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
+  if (__sanitizer_set_report_fd) { __sanitizer_set_report_fd(reinterpret_cast<void*>(errors)); }
+}
 
 FaultStage::~FaultStage() {
   redisFree(stage_.ctx);
