@@ -54,6 +54,15 @@ std::span<const FunctionFamily> EveryFunction() {
   return families;
 }
 
+bool MayRepeat(const FunctionCase& function) {
+#ifdef __SANITIZE_THREAD__
+  return (function.traits & kLeavesThread) == 0;
+#else
+  (void)function;
+  return true;
+#endif
+}
+
 void Prepare(const FunctionCase& function, Stage& stage) {
   SendLines(stage.store, "FLUSHALL");
   SendLines(stage.store, kCommonContent);

@@ -69,6 +69,10 @@ struct FunctionFamily {
 
 std::span<const FunctionFamily> EveryFunction();
 
+// False under the thread sanitizer for a call that leaves a thread: each preparation of it forgets
+// that a receiver of a former call still waits, and sets what that one reads.
+bool MayRepeat(const FunctionCase& function);
+
 // Empties the store, fills it and prepares the process; Finish takes the process's state back.
 void Prepare(const FunctionCase& function, Stage& stage);
 // The part of it that concerns the process, for calls whose connection does not lead to the store.
