@@ -43,7 +43,7 @@ std::string RedisVersion(redisContext* ctx) {
 }
 
 std::string Machine(redisContext* ctx) {
-  return ProcessorName() + ", " + std::to_string(std::thread::hardware_concurrency()) +
+  return ProcessorName() + ", one of " + std::to_string(std::thread::hardware_concurrency()) +
          " processors, Redis " + RedisVersion(ctx) + ", hiredis " + std::to_string(HIREDIS_MAJOR) +
          "." + std::to_string(HIREDIS_MINOR) + ", g++ " + std::to_string(__GNUC__);
 }
