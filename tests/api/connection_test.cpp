@@ -2,8 +2,6 @@
 //
 // Connections against the real server, and against listening sockets of the test's own that record
 // what was sent and answer as told.
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -19,6 +17,7 @@
 
 #include "support/callFault.h"
 #include "support/fixedNames.h"
+#include "support/localListener.h"
 #include "support/output.h"
 #include "support/store.h"
 
@@ -30,6 +29,7 @@ using zephlane::test::ApiReport;
 using zephlane::test::Capture;
 using zephlane::test::ConnectFault;
 using zephlane::test::kPasswordFile;
+using zephlane::test::LocalListener;
 using zephlane::test::Masked;
 using zephlane::test::Output;
 using zephlane::test::StoreTest;
@@ -39,32 +39,21 @@ using zephlane::test::StoreTest;
 class ListeningServer {
  public:
   explicit ListeningServer(std::string reply) : reply_(std::move(reply)) {
-    listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof(address);
-    auto* raw = reinterpret_cast<sockaddr*>(&address);
-    EXPECT_EQ(bind(listener_, raw, size), 0);
-    EXPECT_EQ(listen(listener_, 1), 0);
-    EXPECT_EQ(getsockname(listener_, raw, &size), 0);
-    port_ = ntohs(address.sin_port);
     thread_ = std::thread([this] { Serve(); });
   }
   ListeningServer(const ListeningServer&) = delete;
   ListeningServer& operator=(const ListeningServer&) = delete;
   ~ListeningServer() {
     // A case that did not connect, or holds its connection longer, must not keep us waiting.
-    (void)shutdown(listener_, SHUT_RDWR);
+    listener_.Stop();
     if (thread_.joinable()) {
       (void)shutdown(connection_, SHUT_RDWR);
       thread_.join();
     }
     (void)close(connection_);
-    (void)close(listener_);
   }
   [[nodiscard]] int Port() const {
-    return port_;
+    return listener_.Port();
   }
   // All that came. It returns only when the other side has closed its connection.
   std::string ReceivedUntilClosed() {
@@ -74,7 +63,7 @@ class ListeningServer {
 
  private:
   void Serve() {
-    const int fd = accept(listener_, nullptr, nullptr);
+    const int fd = listener_.Accept();
     connection_ = fd;
     char part[4096];
     ssize_t length = 0;
@@ -87,9 +76,8 @@ class ListeningServer {
 
   std::string reply_;
   std::string received_;
-  int listener_ = -1;
+  LocalListener listener_;
   std::atomic<int> connection_ = -1;
-  int port_ = 0;
   std::thread thread_;
 };
 

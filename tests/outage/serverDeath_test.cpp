@@ -3,8 +3,6 @@
 // The server dies and comes back: between calls, while a call waits, and at any moment. What calls
 // the library runs in children of this program that leave SIGPIPE as every program has it at its
 // start.
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -27,6 +25,7 @@
 #include "outage/setting.h"
 #include "outage/storeCalls.h"
 #include "outage/tree.h"
+#include "support/localListener.h"
 #include "support/output.h"
 #include "support/process.h"
 #include "support/redisServer.h"
@@ -40,6 +39,7 @@ using zephlane::test::Capture;
 using zephlane::test::ConnectToStore;
 using zephlane::test::ForkedChild;
 using zephlane::test::Gate;
+using zephlane::test::LocalListener;
 using zephlane::test::RedisServer;
 using zephlane::test::StoreCall;
 using zephlane::test::StoreCalls;
@@ -186,43 +186,17 @@ TEST_F(ServerDeath, CallThatWaitsInTheServerGivesItsFailure) {
   redisFree(watching);
 }
 
-// A server that reads the beginning of what it is sent and then is gone.
-class VanishingServer {
- public:
-  VanishingServer() : listener_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof(address);
-    auto* raw = reinterpret_cast<sockaddr*>(&address);
-    EXPECT_EQ(bind(listener_, raw, size), 0);
-    EXPECT_EQ(listen(listener_, 1), 0);
-    EXPECT_EQ(getsockname(listener_, raw, &size), 0);
-    port_ = ntohs(address.sin_port);
-  }
-  VanishingServer(const VanishingServer&) = delete;
-  VanishingServer& operator=(const VanishingServer&) = delete;
-  ~VanishingServer() {
-    (void)close(listener_);
-  }
-  [[nodiscard]] int Port() const {
-    return port_;
-  }
-  void ReadABeginning() const {
-    const int fd = accept(listener_, nullptr, nullptr);
-    char beginning[4096];
-    EXPECT_GT(recv(fd, beginning, sizeof(beginning), MSG_WAITALL), 0);
-    (void)shutdown(fd, SHUT_WR);  // makes it a broken pipe, and not a reset, for the other side
-    (void)close(fd);              // with what came unread, so that the other side is told to stop
-  }
-
- private:
-  int listener_;
-  int port_ = 0;
-};
+// Reads the beginning of what the next connection sends and then is gone.
+void ReadABeginning(const LocalListener& listener) {
+  const int fd = listener.Accept();
+  char beginning[4096];
+  EXPECT_GT(recv(fd, beginning, sizeof(beginning), MSG_WAITALL), 0);
+  (void)shutdown(fd, SHUT_WR);  // makes it a broken pipe, and not a reset, for the other side
+  (void)close(fd);              // with what came unread, so that the other side is told to stop
+}
 
 TEST_F(ServerDeath, CallInTheMiddleOfSendingGivesItsFailureAndNoSignal) {
-  const VanishingServer server;
+  const LocalListener server;
   ForkedChild sender([&server] {
     (void)signal(SIGPIPE, SIG_DFL);
     redisContext* ctx = redisConnect("127.0.0.1", server.Port());
@@ -230,7 +204,7 @@ TEST_F(ServerDeath, CallInTheMiddleOfSendingGivesItsFailureAndNoSignal) {
     const std::string large(std::size_t{64} << 20, 'x');
     return std::to_string(setKey(ctx, kKey, large.c_str()));
   });
-  server.ReadABeginning();
+  ReadABeginning(server);
   EXPECT_EQ(sender.Result(), "1");
 }
 

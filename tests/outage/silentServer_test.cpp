@@ -2,8 +2,6 @@
 //
 // A server that accepts connections and never answers. Calls wait for it as long as the connection
 // lets them: without limit on one of the library's own, for its time-out on one of the caller's.
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -14,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "outage/storeCalls.h"
+#include "support/localListener.h"
 #include "support/output.h"
 #include "support/process.h"
 
@@ -24,6 +23,7 @@ namespace {
 using zephlane::test::ApiReport;
 using zephlane::test::Capture;
 using zephlane::test::ForkedChild;
+using zephlane::test::LocalListener;
 using zephlane::test::Masked;
 using zephlane::test::Output;
 using zephlane::test::StoreCall;
@@ -31,40 +31,8 @@ using zephlane::test::StoreCalls;
 
 constexpr timeval kShortTime = {0, 5000};
 
-// Connections are complete as soon as they are waiting to be accepted, and nobody accepts them.
-class SilentServer {
- public:
-  SilentServer() : listener_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof(address);
-    auto* raw = reinterpret_cast<sockaddr*>(&address);
-    EXPECT_EQ(bind(listener_, raw, size), 0);
-    EXPECT_EQ(listen(listener_, 4), 0);
-    EXPECT_EQ(getsockname(listener_, raw, &size), 0);
-    port_ = ntohs(address.sin_port);
-  }
-  SilentServer(const SilentServer&) = delete;
-  SilentServer& operator=(const SilentServer&) = delete;
-  ~SilentServer() {
-    (void)close(listener_);
-  }
-  [[nodiscard]] int Port() const {
-    return port_;
-  }
-  // The other end of the next connection, to play the server by.
-  [[nodiscard]] int Accept() const {
-    return accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-  }
-
- private:
-  int listener_;
-  int port_ = 0;
-};
-
 // A connection of the caller's own, as one that wants a time-out makes it.
-redisContext* ConnectWithTimeOut(const SilentServer& server, timeval time_out) {
+redisContext* ConnectWithTimeOut(const LocalListener& server, timeval time_out) {
   redisContext* ctx = redisConnectWithTimeout("127.0.0.1", server.Port(), time_out);
   EXPECT_EQ(ctx->err, 0) << ctx->errstr;
   EXPECT_EQ(redisSetTimeout(ctx, time_out), REDIS_OK);
@@ -78,7 +46,7 @@ TEST(SilentServer, TimeOutForCallersIsOneAndAHalfSeconds) {
 
 TEST(SilentServer, EveryCallGivesItsFailureWhenTheCallersTimeOutIsOver) {
   for (const StoreCall& call : StoreCalls()) {
-    const SilentServer server;
+    const LocalListener server;
     redisContext* ctx = ConnectWithTimeOut(server, kShortTime);
     std::string result;
     (void)Capture([&] { result = call.call(ctx); });
@@ -88,7 +56,7 @@ TEST(SilentServer, EveryCallGivesItsFailureWhenTheCallersTimeOutIsOver) {
 }
 
 TEST(SilentServer, CallThatCannotSendAllOfItGivesItsFailureWhenTheTimeOutIsOver) {
-  const SilentServer server;
+  const LocalListener server;
   redisContext* ctx = ConnectWithTimeOut(server, kShortTime);
   const std::string large(std::size_t{64} << 20, 'x');
   EXPECT_EQ(setKey(ctx, "key", large.c_str()), 1);
@@ -98,7 +66,7 @@ TEST(SilentServer, CallThatCannotSendAllOfItGivesItsFailureWhenTheTimeOutIsOver)
 
 // An answer that comes late must not be taken for that of the next command.
 TEST(SilentServer, ConnectionIsOfNoUseAfterATimeOut) {
-  const SilentServer server;
+  const LocalListener server;
   redisContext* ctx = ConnectWithTimeOut(server, kShortTime);
   const int other_end = server.Accept();
   char value[ZEPHLANE_VALUE_SIZE] = "";
@@ -112,7 +80,7 @@ TEST(SilentServer, ConnectionIsOfNoUseAfterATimeOut) {
 }
 
 TEST(SilentServer, LibrarysOwnConnectionWaitsForTheAnswerToAuthUntilTheServerIsGone) {
-  const SilentServer server;
+  const LocalListener server;
   ForkedChild connecting([&server] {
     bool connected = true;
     const Output printed = Capture(
