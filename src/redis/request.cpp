@@ -182,6 +182,7 @@ Reply Exchange(redisContext* ctx, const RequestWords& words) noexcept {
 }
 
 Reply ExchangeFormatted(redisContext* ctx, const char* format, std::va_list arguments) noexcept {
+  if (ctx->err != 0) { return Reply(nullptr); }  // hiredis would keep it queued for ever
   const BrokenPipeHold hold;
   return Reply(redisvCommand(ctx, format, arguments));
 }

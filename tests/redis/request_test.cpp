@@ -108,6 +108,8 @@ TEST_F(Requests, OfAFailedConnectionAreNotSent) {
   const std::string received = server_.Received();
   EXPECT_EQ(server_.ctx()->err, REDIS_ERR_EOF);
   EXPECT_FALSE(Command(server_.ctx(), "PING"));
+  EXPECT_FALSE(CommandOfText(server_.ctx(), "SADD set %%"));
+  EXPECT_STREQ(server_.ctx()->obuf, "");
   EXPECT_EQ(server_.Received(), received);
 }
 
